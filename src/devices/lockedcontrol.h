@@ -1,0 +1,20 @@
+#pragma once
+
+#include <memory>
+
+namespace tarn::devices {
+
+/// A strong handle to an SDK control, meant for the length of one operation: it keeps the control
+/// alive even if the SDK drops it meanwhile. Empty when the control is unavailable; then both
+/// fields are.
+template <class T>
+struct LockedControl {
+    std::shared_ptr<T> owner;
+    T* control = nullptr;
+
+    [[nodiscard]] explicit operator bool() const noexcept { return control != nullptr; }
+    [[nodiscard]] T* operator->() const noexcept { return control; }
+    [[nodiscard]] T& operator*() const noexcept { return *control; }
+};
+
+} // namespace tarn::devices

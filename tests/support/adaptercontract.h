@@ -1,0 +1,298 @@
+#pragma once
+
+#include <support/exceptions.h>
+#include <support/fakevna.h>
+
+#include <devices/reacquiringcontrol.h>
+#include <sdk/controlhandle.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <barrier>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+/// What every adapter promises, whatever its operations are. An adapter's test names the operations
+/// in a trait and instantiates the suite with it:
+///
+///     struct FooContract {
+///         using Sdk = sdk::service::IFooControl;
+///         using Adapter = devices::service::SdkFooControl;
+///         using Mock = testing::NiceMock<MockFooControl>;
+///         static std::vector<Operation<Adapter, Mock>> operations();
+///     };
+///     INSTANTIATE_TYPED_TEST_SUITE_P(Foo, AdapterContract, FooContract);
+namespace tarn::tests {
+
+/// What the result of an operation tells its caller.
+enum class Outcome {
+    Unavailable, ///< the result that stands for an unavailable control
+    Answered, ///< another one
+    NoResult, ///< nothing: the operation has none
+};
+
+/// One operation of an adapter, together with one SDK call that it makes.
+template <class Adapter, class Mock>
+struct Operation {
+    std::string name;
+    /// Runs the operation.
+    std::function<Outcome(Adapter&)> run;
+    /// Makes that SDK call of `mock` first run `inside`, then answer so that the outcome of an
+    /// operation with a result is `Answered`.
+    std::function<void(Mock& mock, std::function<void()> inside)> stub;
+};
+
+/// An adapter before a device that a test offers controls on and takes them from.
+template <class Contract>
+struct ContractBench {
+    using Sdk = typename Contract::Sdk;
+    using Adapter = typename Contract::Adapter;
+    using Mock = typename Contract::Mock;
+    using Op = Operation<Adapter, Mock>;
+
+    /// Begins with a control if `offered`. The adapter is made from a moved handle.
+    explicit ContractBench(const Op& op, bool offered = true)
+        : operation{op}
+        , first{offered ? offer() : std::weak_ptr<Mock>{}}
+    {
+        stub(first);
+    }
+
+    ~ContractBench()
+    {
+        inside = nullptr; // an adapter's destructor may call the SDK and the device
+        device.whenAsked(nullptr);
+    }
+
+    ContractBench(const ContractBench&) = delete;
+    ContractBench& operator=(const ContractBench&) = delete;
+
+    /// Offers a new control, which the device alone owns.
+    std::weak_ptr<Mock> offer()
+    {
+        const auto mock = std::make_shared<Mock>();
+        device.template offer<Sdk>(Sdk::key, mock);
+        return mock;
+    }
+
+    void stub(const std::weak_ptr<Mock>& control)
+    {
+        if (const auto mock = control.lock())
+            operation.stub(*mock, [this] {
+                ++sdkCalls;
+                if (inside)
+                    inside();
+            });
+    }
+
+    std::weak_ptr<Mock> offerStubbed()
+    {
+        auto control = offer();
+        stub(control);
+        return control;
+    }
+
+    void drop() { device.drop(Sdk::key); }
+    [[nodiscard]] int asked() const { return device.asked(Sdk::key); }
+    Outcome run() { return operation.run(adapter); }
+
+    const Op& operation;
+    FakeVna device;
+    std::weak_ptr<Mock> first;
+    std::atomic<int> sdkCalls{0}; ///< the operation's SDK call, on all controls
+    std::function<void()> inside; ///< runs in every one of them
+    Adapter adapter{devices::ReacquiringControl<Sdk>{
+        [this] { return sdk::ControlHandle<Sdk>{device.template control<Sdk>(Sdk::key)}; }}};
+};
+
+template <class Contract>
+class AdapterContract : public testing::Test {
+protected:
+    using Bench = ContractBench<Contract>;
+
+    template <class Check>
+    static void forEachOperation(Check check)
+    {
+        const auto operations = Contract::operations();
+        ASSERT_FALSE(operations.empty());
+        for (const auto& operation : operations) {
+            SCOPED_TRACE(operation.name);
+            check(operation);
+        }
+    }
+};
+
+TYPED_TEST_SUITE_P(AdapterContract);
+
+TYPED_TEST_P(AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation, false};
+        for (int round = 0; round != 2; ++round) { // a failure is not remembered
+            const int before = bench.asked();
+            EXPECT_NE(bench.run(), Outcome::Answered);
+            EXPECT_EQ(bench.asked(), before + 1);
+        }
+    });
+}
+
+TYPED_TEST_P(AdapterContract, ADroppedControlIsNotCalledAndGivesTheNeutralResult)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        bench.drop();
+        ASSERT_TRUE(bench.first.expired()) << "the adapter kept the control alive between calls";
+        const int before = bench.asked();
+        EXPECT_NE(bench.run(), Outcome::Answered);
+        EXPECT_EQ(bench.asked(), before + 1);
+        EXPECT_EQ(bench.sdkCalls, 0);
+    });
+}
+
+TYPED_TEST_P(AdapterContract, ALiveControlIsUsedWithoutAskingTheDevice)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        for (int round = 1; round != 3; ++round) {
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+            EXPECT_EQ(bench.sdkCalls, round);
+        }
+        EXPECT_EQ(bench.asked(), 1) << "only the handle itself, when it was built, may have asked";
+    });
+}
+
+TYPED_TEST_P(AdapterContract, ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        bench.drop();
+        bench.offerStubbed();
+        const int before = bench.asked();
+        for (int round = 1; round != 3; ++round) {
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+            EXPECT_EQ(bench.sdkCalls, round);
+            EXPECT_EQ(bench.asked(), before + 1);
+        }
+    });
+}
+
+TYPED_TEST_P(AdapterContract, AControlOfferedLateIsReachedByTheNextCall)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation, false};
+        EXPECT_NE(bench.run(), Outcome::Answered);
+        bench.offerStubbed();
+        EXPECT_NE(bench.run(), Outcome::Unavailable);
+        EXPECT_EQ(bench.sdkCalls, 1);
+    });
+}
+
+TYPED_TEST_P(AdapterContract, AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks)
+{
+    this->forEachOperation([](const auto& operation) {
+        for (const auto& exception : anyExceptions()) {
+            ContractBench<TypeParam> bench{operation};
+            bench.inside = [&] { std::rethrow_exception(exception); };
+            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
+            EXPECT_EQ(bench.sdkCalls, 1);
+            EXPECT_EQ(bench.first.use_count(), 1) << "the strong handle was kept";
+
+            bench.inside = nullptr;
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+            EXPECT_EQ(bench.sdkCalls, 2);
+            EXPECT_EQ(bench.asked(), 1);
+        }
+    });
+}
+
+TYPED_TEST_P(AdapterContract, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain)
+{
+    this->forEachOperation([](const auto& operation) {
+        for (const auto& exception : anyExceptions()) {
+            ContractBench<TypeParam> bench{operation};
+            bench.drop();
+            bench.offerStubbed();
+            bench.device.whenAsked([&](sdk::Key) { std::rethrow_exception(exception); });
+            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
+            EXPECT_EQ(bench.sdkCalls, 0);
+
+            bench.device.whenAsked(nullptr);
+            const int before = bench.asked();
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+            EXPECT_EQ(bench.sdkCalls, 1);
+            EXPECT_EQ(bench.asked(), before + 1);
+        }
+    });
+}
+
+TYPED_TEST_P(AdapterContract, AControlDroppedDuringACallLivesUntilTheCallEnds)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        bench.inside = [&] {
+            bench.drop();
+            EXPECT_FALSE(bench.first.expired());
+        };
+        EXPECT_NE(bench.run(), Outcome::Unavailable);
+        EXPECT_EQ(bench.sdkCalls, 1);
+        EXPECT_TRUE(bench.first.expired()) << "the adapter kept the control alive";
+    });
+}
+
+TYPED_TEST_P(AdapterContract, TheAdapterCanBeCalledFromInsideItsOwnSdkCall)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        bench.inside = [&] {
+            bench.inside = nullptr;
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+        };
+        EXPECT_NE(bench.run(), Outcome::Unavailable);
+        EXPECT_EQ(bench.sdkCalls, 2);
+    });
+}
+
+TYPED_TEST_P(AdapterContract, TheAdapterCanBeCalledWhileItAsksTheDevice)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        bench.drop();
+        bench.offerStubbed();
+        bench.device.whenAsked([&](sdk::Key) {
+            bench.device.whenAsked(nullptr);
+            EXPECT_NE(bench.run(), Outcome::Unavailable);
+        });
+        const int before = bench.asked();
+        EXPECT_NE(bench.run(), Outcome::Unavailable);
+        EXPECT_EQ(bench.sdkCalls, 2);
+        EXPECT_EQ(bench.asked(), before + 2);
+    });
+}
+
+TYPED_TEST_P(AdapterContract, TwoThreadsCanBeInTheSameSdkCallAtOnce)
+{
+    this->forEachOperation([](const auto& operation) {
+        ContractBench<TypeParam> bench{operation};
+        std::barrier meeting{2}; // nobody gets past it alone
+        bench.inside = [&] { meeting.arrive_and_wait(); };
+        std::jthread other{[&] { EXPECT_NE(bench.run(), Outcome::Unavailable); }};
+        EXPECT_NE(bench.run(), Outcome::Unavailable);
+        other.join();
+        EXPECT_EQ(bench.sdkCalls, 2);
+    });
+}
+
+REGISTER_TYPED_TEST_SUITE_P(
+    AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult,
+    ADroppedControlIsNotCalledAndGivesTheNeutralResult, ALiveControlIsUsedWithoutAskingTheDevice,
+    ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice, AControlOfferedLateIsReachedByTheNextCall,
+    AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain,
+    AControlDroppedDuringACallLivesUntilTheCallEnds, TheAdapterCanBeCalledFromInsideItsOwnSdkCall,
+    TheAdapterCanBeCalledWhileItAsksTheDevice, TwoThreadsCanBeInTheSameSdkCallAtOnce);
+
+} // namespace tarn::tests

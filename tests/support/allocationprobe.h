@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+
+namespace tarn::tests {
+
+/// Counts the large blocks of memory that the program and the libraries which it loads allocate
+/// with `new`, on all threads.
+struct AllocationProbe {
+    /// What counts as large, in bytes: more than anything but an image needs.
+    static constexpr std::size_t large = 1'000'000;
+
+    /// How many such blocks have been allocated so far.
+    [[nodiscard]] static int largeBlocks();
+
+    /// Calls `watch`, unless it is null, whenever the program gives such a block back.
+    static void watchFrees(void (*watch)());
+};
+
+} // namespace tarn::tests
