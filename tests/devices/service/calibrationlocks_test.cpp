@@ -1,0 +1,277 @@
+// How the controls of calibration and correction data lock, in the program that compiles them in.
+
+#include <devices/service/sdkcalibrationcontrolhandle.h>
+#include <devices/service/sdkcalibrationcontrolwatcher.h>
+#include <devices/service/sdkfactorycorrectioncontrol.h>
+#include <devices/service/sdksystemtermscontrol.h>
+
+#include <support/calibrationbench.h>
+#include <support/mutexprobe.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <system_error>
+#include <tuple>
+#include <vector>
+
+namespace tarn::tests {
+namespace {
+
+using devices::FactoryCorrection;
+using devices::ReacquiringControl;
+using devices::service::ISystemTermsControl;
+using devices::service::SdkCalibrationControlHandle;
+using devices::service::SdkCalibrationControlWatcher;
+using devices::service::SdkFactoryCorrectionControl;
+using devices::service::SdkSystemTermsControl;
+
+/// Mocks lock too, so these are plain.
+class Terms final : public sdk::service::ISystemTermsControl {
+public:
+    void addObserver(Observer* observer) override { attached = observer; }
+    void removeObserver(Observer* /*observer*/) override { }
+    sdk::FrequencyPlan frequencyPlan() override { return {}; }
+    std::uint32_t portCount() override { return 2; }
+    std::uint32_t maximumPointCount() override { return 1; }
+    void writeTerms(std::int64_t /*time*/, sdk::corrections::ErrorTerms /*terms*/, double /*temperature*/) override
+    {
+        ++writes;
+    }
+    bool isFrequencyOverrideSupported() override { return true; }
+    void writeTermsForPlan(std::int64_t /*time*/, sdk::FrequencyPlan /*plan*/, sdk::corrections::ErrorTerms /*terms*/,
+                           double /*temperature*/) override
+    {
+        ++writes;
+    }
+
+    Observer* attached = nullptr;
+    int writes = 0;
+};
+
+class Corrections final : public sdk::IFactoryCorrectionControl {
+public:
+    sdk::CorrectionFlag supportedCorrections() override { return all; }
+    sdk::CorrectionFlag validCorrections() override { return all; }
+    sdk::CorrectionFlag enabledCorrections() override { return all; }
+    sdk::CorrectionFlag modifiableCorrections() override { return all; }
+    void setEnabled(sdk::CorrectionFlag /*correction*/, bool /*enabled*/) override { }
+    void addObserver(Observer* /*observer*/) override { }
+    void removeObserver(Observer* /*observer*/) override { }
+
+private:
+    static constexpr auto all = static_cast<sdk::CorrectionFlag>(0xffff);
+};
+
+class Controller final : public sdk::service::calibrations::ICalibrationController {
+public:
+    void addObserver(Observer* /*observer*/) override { ++registrations; }
+    void removeObserver(Observer* /*observer*/) override { ++removals; }
+    std::vector<sdk::service::calibrations::ICalibrationUnit*> units() override { return {}; }
+
+    int registrations = 0;
+    int removals = 0;
+};
+
+class PlainIfsw final : public sdk::service::IVellIfswCalibrationControl {
+public:
+    void addObserver(Observer* observer) override { attached = observer; }
+    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
+    sdk::FrequencyPlan frequencyPlan() override { return {}; }
+    void saveCalibrationData(IfswCalibrationData /*data*/) override { }
+
+    Observer* attached = nullptr;
+};
+
+class PlainPower final : public sdk::service::IVellFactoryPowerCalibrationControl {
+public:
+    void addObserver(Observer* observer) override { attached = observer; }
+    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
+    sdk::FrequencyPlan frequencyPlan() override { return {}; }
+    void saveCalibrationData(std::int64_t /*time*/, std::vector<PowerCalPoint> /*points*/,
+                             double /*temperature*/) override
+    {
+    }
+
+    Observer* attached = nullptr;
+};
+
+/// A handle to `control`, which stays alive; no control if it is null.
+template <class Interface, class Control>
+ReacquiringControl<Interface> handleTo(const std::shared_ptr<Control>& control)
+{
+    return ReacquiringControl<Interface>{[control] { return sdk::ControlHandle<Interface>{control}; }};
+}
+
+template <class Operation>
+int locksOf(Operation operation)
+{
+    const int before = MutexProbe::locks();
+    operation();
+    return MutexProbe::locks() - before;
+}
+
+struct TermsListener final : ISystemTermsControl::Observer {
+    void onWriteStarted() override { ++heard; }
+    void onWriteProgressChanged(std::uint32_t /*progress*/) override { ++heard; }
+    void onWriteFinished() override { ++heard; }
+    void onErrorOccurred(ISystemTermsControl::Error /*error*/) override { ++heard; }
+    int heard = 0;
+};
+
+class SystemTermsLocks : public testing::Test {
+protected:
+    const std::shared_ptr<Terms> terms = std::make_shared<Terms>();
+    SdkSystemTermsControl control{handleTo<sdk::service::ISystemTermsControl>(terms)};
+    TermsListener listener;
+};
+
+TEST_F(SystemTermsLocks, EveryOperationLocksTheHandleAloneAndAnEmptyPlanNothing)
+{
+    EXPECT_EQ(locksOf([&] { std::ignore = control.frequencyPlan(); }), 1);
+    EXPECT_EQ(locksOf([&] { std::ignore = control.isFrequencyOverrideSupported(); }), 1);
+    EXPECT_EQ(locksOf([&] { control.requestWriteTerms({}, 0.0, {}); }), 1);
+    EXPECT_EQ(locksOf([&] { control.requestWriteTerms({}, 0.0, {{}}, {}); }), 1);
+    EXPECT_EQ(terms->writes, 2);
+    EXPECT_EQ(locksOf([&] { control.requestWriteTerms({}, 0.0, std::vector<vna::FrequencySegment>{}, {}); }), 0);
+    EXPECT_EQ(terms->writes, 2);
+    EXPECT_EQ(locksOf([&] { control.onControlsAvailable(); }), 1);
+    EXPECT_EQ(locksOf([&] { control.onControlsAboutToBeReleased(); }), 1);
+}
+
+TEST_F(SystemTermsLocks, ANotificationAndTheListOfObserversLockTheListOnce)
+{
+    EXPECT_EQ(locksOf([&] { control.addObserver(listener); }), 1);
+    EXPECT_EQ(locksOf([&] { terms->attached->onWriteStarted(); }), 1);
+    EXPECT_EQ(locksOf([&] { terms->attached->onWriteProgressChanged(1); }), 1);
+    EXPECT_EQ(locksOf([&] { terms->attached->onWriteFinished(); }), 1);
+    EXPECT_EQ(locksOf([&] { terms->attached->onErrorOccurred({}); }), 1);
+    EXPECT_EQ(locksOf([&] { control.removeObserver(listener); }), 1);
+    EXPECT_EQ(listener.heard, 4);
+}
+
+TEST_F(SystemTermsLocks, AMutexThatFailsIsReportedToWhoeverLocksIt)
+{
+    control.addObserver(listener);
+    MutexProbe::failAfter(0);
+    EXPECT_THROW(terms->attached->onWriteStarted(), std::system_error);
+    EXPECT_EQ(listener.heard, 0);
+    MutexProbe::failAfter(0);
+    EXPECT_THROW(control.removeObserver(listener), std::system_error);
+    MutexProbe::failAfter(0);
+    EXPECT_THROW(control.requestWriteTerms({}, 0.0, {}), std::system_error);
+    EXPECT_EQ(terms->writes, 0);
+    terms->attached->onWriteStarted();
+    EXPECT_EQ(listener.heard, 1);
+}
+
+TEST(FactoryCorrectionLocks, EveryQuestionLocksTheHandleOnceASwitchingThrice)
+{
+    SdkFactoryCorrectionControl control{handleTo<sdk::IFactoryCorrectionControl>(std::make_shared<Corrections>())};
+    EXPECT_EQ(locksOf([&] { std::ignore = control.isValid(FactoryCorrection::System); }), 1);
+    EXPECT_EQ(locksOf([&] { std::ignore = control.isEnabled(FactoryCorrection::System); }), 1);
+    EXPECT_EQ(locksOf([&] { std::ignore = control.isModifiable(FactoryCorrection::System); }), 1);
+    EXPECT_EQ(locksOf([&] { std::ignore = control.supported(); }), 1);
+    EXPECT_EQ(locksOf([&] { control.setEnabled(FactoryCorrection::System, true); }), 3);
+}
+
+TEST(CalibrationControllerLocks, OnlyTheHandleIsLocked)
+{
+    const auto controller = std::make_shared<Controller>();
+    SdkCalibrationControlHandle handle{handleTo<sdk::service::calibrations::ICalibrationController>(controller)};
+    EXPECT_EQ(locksOf([&] { std::ignore = handle.lock(); }), 1);
+    SdkCalibrationControlWatcher watcher{handle};
+    EXPECT_EQ(locksOf([&] { watcher.attach(); }), 1);
+    EXPECT_EQ(locksOf([&] { watcher.detach(); }), 1);
+    EXPECT_EQ(controller->registrations, 2);
+    EXPECT_EQ(controller->removals, 3);
+}
+
+template <class Calibration>
+struct Plain;
+template <>
+struct Plain<Ifsw> {
+    using Control = PlainIfsw;
+};
+template <>
+struct Plain<Power> {
+    using Control = PlainPower;
+};
+
+/// Locks of the map, and of the handle: one when there is a control, otherwise a second one that
+/// stores the outcome of the question.
+constexpr int map = 1;
+constexpr int there = 1;
+constexpr int notThere = 2;
+
+template <class Calibration>
+class CalibrationLocks : public testing::Test {
+protected:
+    using Sdk = typename Calibration::Sdk;
+    using Adapter = typename Calibration::Adapter;
+    using Control = typename Plain<Calibration>::Control;
+
+    const std::shared_ptr<Control> sdk = std::make_shared<Control>();
+    Adapter offered{handleTo<Sdk>(sdk)};
+    Adapter missing{handleTo<Sdk>(std::shared_ptr<Control>{})};
+    ProgressListener<Adapter> listener;
+};
+
+TYPED_TEST_SUITE(CalibrationLocks, CalibrationControls);
+
+TYPED_TEST(CalibrationLocks, AddingLocksTheMapThenTheHandleThenTheMapOnlyToClearTheFlag)
+{
+    EXPECT_EQ(locksOf([&] { this->offered.addObserver(nullptr); }), 0);
+    EXPECT_EQ(locksOf([&] { this->offered.addObserver(&this->listener); }), map + there);
+    EXPECT_EQ(locksOf([&] { this->offered.addObserver(&this->listener); }), map);
+    EXPECT_EQ(locksOf([&] { this->missing.addObserver(&this->listener); }), map + notThere + map);
+}
+
+TYPED_TEST(CalibrationLocks, RemovingLocksTheMapThenTheHandle)
+{
+    EXPECT_EQ(locksOf([&] { this->offered.removeObserver(&this->listener); }), map);
+    this->offered.addObserver(&this->listener);
+    this->missing.addObserver(&this->listener);
+    EXPECT_EQ(locksOf([&] { this->offered.removeObserver(&this->listener); }), map + there);
+    EXPECT_EQ(locksOf([&] { this->missing.removeObserver(&this->listener); }), map + notThere);
+}
+
+TYPED_TEST(CalibrationLocks, ALifecycleNotificationLocksTheMapOnceIfThereIsAControl)
+{
+    this->offered.addObserver(&this->listener);
+    EXPECT_EQ(locksOf([&] { this->offered.onControlsAboutToBeReleased(); }), there + map);
+    EXPECT_EQ(locksOf([&] { this->offered.onControlsAvailable(); }), there + map);
+    EXPECT_EQ(locksOf([&] { this->missing.onControlsAboutToBeReleased(); }), notThere);
+    EXPECT_EQ(locksOf([&] { this->missing.onControlsAvailable(); }), notThere);
+}
+
+TYPED_TEST(CalibrationLocks, ANotificationOfTheSdkLocksNothing)
+{
+    this->offered.addObserver(&this->listener);
+    int heard = 0;
+    this->listener.heard = [&](auto) { ++heard; };
+    EXPECT_EQ(locksOf([&] { this->sdk->attached->onWriteProgressChanged(1); }), 0);
+    EXPECT_EQ(heard, 1);
+}
+
+TYPED_TEST(CalibrationLocks, AMutexThatFailsIsReported)
+{
+    for (const int successes : {0, 1}) { // the map's, the handle's
+        MutexProbe::failAfter(successes);
+        EXPECT_THROW(this->offered.addObserver(&this->listener), std::system_error);
+        EXPECT_EQ(this->sdk->attached, nullptr);
+        this->offered.removeObserver(&this->listener);
+        MutexProbe::failAfter(successes);
+        EXPECT_THROW(this->offered.onControlsAvailable(), std::system_error);
+        MutexProbe::failAfter(successes);
+        EXPECT_THROW(this->offered.onControlsAboutToBeReleased(), std::system_error);
+    }
+    this->offered.addObserver(&this->listener);
+    EXPECT_NE(this->sdk->attached, nullptr);
+    MutexProbe::failAfter(0);
+    EXPECT_THROW(this->offered.removeObserver(&this->listener), std::system_error);
+    EXPECT_NE(this->sdk->attached, nullptr);
+}
+
+} // namespace
+} // namespace tarn::tests

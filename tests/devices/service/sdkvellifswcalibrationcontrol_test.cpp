@@ -1,0 +1,145 @@
+#include <devices/service/sdkvellifswcalibrationcontrol.h>
+
+#include <devices/icontrollifecycleobserver.h>
+#include <support/adaptercontract.h>
+#include <support/devicehandle.h>
+#include <support/mockvellifswcalibrationcontrol.h>
+
+#include <gmock/gmock.h>
+
+#include <cstddef>
+#include <type_traits>
+#include <vector>
+
+using tarn::devices::IControlLifecycleObserver;
+using tarn::devices::service::SdkVellIfswCalibrationControl;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::NiceMock;
+using testing::Return;
+using testing::StrictMock;
+
+namespace tarn::tests {
+namespace {
+
+using Sdk = sdk::service::IVellIfswCalibrationControl;
+using Control = SdkVellIfswCalibrationControl;
+using Data = Control::IfswCalibrationData;
+
+static_assert(std::is_base_of_v<IControlLifecycleObserver, Control>);
+
+// Three 64-bit numbers, two lists, one list and three receivers; the same on both sides.
+template <class T>
+constexpr bool hasTheShape = sizeof(typename T::IfswRatio) == 24 && sizeof(typename T::IfswLinearity) == 24
+    && offsetof(typename T::IfswRatio, intermediateFrequency) == 0 && offsetof(typename T::IfswRatio, magnitude) == 8
+    && offsetof(typename T::IfswRatio, phase) == 16 && offsetof(typename T::IfswLinearity, level) == 0
+    && offsetof(typename T::IfswLinearity, magnitudeError) == 8 && offsetof(typename T::IfswLinearity, phaseError) == 16
+    && offsetof(typename T::ReceiverCalibration, ratios) < offsetof(typename T::ReceiverCalibration, linearities)
+    && offsetof(typename T::IfswCalibrationData, frequencies) < offsetof(typename T::IfswCalibrationData, reference)
+    && offsetof(typename T::IfswCalibrationData, reference) < offsetof(typename T::IfswCalibrationData, reflection)
+    && offsetof(typename T::IfswCalibrationData, reflection) < offsetof(typename T::IfswCalibrationData, transmission);
+static_assert(hasTheShape<Sdk> && hasTheShape<Control>);
+
+struct IfswContract {
+    using Sdk = sdk::service::IVellIfswCalibrationControl;
+    using Adapter = SdkVellIfswCalibrationControl;
+    using Mock = NiceMock<MockVellIfswCalibrationControl>;
+    using Inside = std::function<void()>;
+
+    static std::vector<Operation<Adapter, Mock>> operations()
+    {
+        return {{"frequencyPlan",
+                 [](Adapter& adapter) {
+                     return adapter.frequencyPlan().empty() ? Outcome::Unavailable : Outcome::Answered;
+                 },
+                 [](Mock& mock, const Inside& inside) {
+                     ON_CALL(mock, frequencyPlan).WillByDefault([inside] {
+                         inside();
+                         return sdk::FrequencyPlan{{{1.0, 2.0, 3}}};
+                     });
+                 }},
+                {"saveCalibrationData",
+                 [](Adapter& adapter) {
+                     adapter.saveCalibrationData({});
+                     return Outcome::NoResult;
+                 },
+                 [](Mock& mock, const Inside& inside) {
+                     ON_CALL(mock, saveCalibrationData).WillByDefault(testing::InvokeWithoutArgs(inside));
+                 }}};
+    }
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Ifsw, AdapterContract, IfswContract);
+
+class SdkVellIfswCalibrationControlTest : public testing::Test {
+protected:
+    /// What the SDK gets when `data` is saved.
+    Sdk::IfswCalibrationData save(Data data)
+    {
+        Sdk::IfswCalibrationData saved;
+        EXPECT_CALL(*mock, saveCalibrationData).WillOnce([&](Sdk::IfswCalibrationData given) {
+            saved = std::move(given);
+        });
+        control.saveCalibrationData(std::move(data));
+        return saved;
+    }
+
+    FakeVna device;
+    std::shared_ptr<StrictMock<MockVellIfswCalibrationControl>> mock
+        = std::make_shared<StrictMock<MockVellIfswCalibrationControl>>();
+    Control control{[this] {
+        device.offer<Sdk>(Sdk::key, mock);
+        return handleTo<Sdk>(device, Sdk::key);
+    }()};
+};
+
+TEST_F(SdkVellIfswCalibrationControlTest, ConvertsTheFrequencyPlanSegmentBySegment)
+{
+    EXPECT_CALL(*mock, frequencyPlan).WillOnce(Return(sdk::FrequencyPlan{{{3e9, 1e9, -1}, {0.0, 0.0, 0}}}));
+    EXPECT_THAT(control.frequencyPlan(),
+                ElementsAre(vna::FrequencySegment{3e9, 1e9, 0xffff'ffff}, vna::FrequencySegment{0.0, 0.0, 0}));
+}
+
+TEST_F(SdkVellIfswCalibrationControlTest, SavesEveryRecordInItsPlace)
+{
+    const Data data{{30, 10, 20},
+                    {{{1, 2, 3}, {4, 5, 6}}, {{7, 8, 9}}},
+                    {{{11, 12, 13}}, {{14, 15, 16}, {17, 18, 19}}},
+                    {{{21, 22, 23}}, {{24, 25, 26}}}};
+    const Sdk::IfswCalibrationData expected{{30, 10, 20},
+                                            {{{1, 2, 3}, {4, 5, 6}}, {{7, 8, 9}}},
+                                            {{{11, 12, 13}}, {{14, 15, 16}, {17, 18, 19}}},
+                                            {{{21, 22, 23}}, {{24, 25, 26}}}};
+    EXPECT_EQ(save(data), expected);
+}
+
+TEST_F(SdkVellIfswCalibrationControlTest, SavesEmptyListsAsEmptyLists)
+{
+    EXPECT_EQ(save({}), Sdk::IfswCalibrationData{});
+    const auto saved = save({{}, {{}, {{1, 2, 3}}}, {{{4, 5, 6}}, {}}, {}});
+    EXPECT_THAT(saved.frequencies, IsEmpty());
+    EXPECT_THAT(saved.reference.ratios, IsEmpty());
+    EXPECT_THAT(saved.reference.linearities, ElementsAre(Sdk::IfswLinearity{1, 2, 3}));
+    EXPECT_THAT(saved.reflection.ratios, ElementsAre(Sdk::IfswRatio{4, 5, 6}));
+    EXPECT_THAT(saved.reflection.linearities, IsEmpty());
+}
+
+TEST_F(SdkVellIfswCalibrationControlTest, HandsTheFirstListOverWithoutCopyingIt)
+{
+    Data data{{1, 2, 3}, {}, {}, {}};
+    const auto* const numbers = data.frequencies.data();
+    EXPECT_EQ(save(std::move(data)).frequencies.data(), numbers);
+}
+
+TEST_F(SdkVellIfswCalibrationControlTest, DiscardsTheDataWhileThereIsNoControl)
+{
+    device.drop(Sdk::key);
+    mock.reset();
+    control.saveCalibrationData({{1, 2, 3}, {}, {}, {}}); // the mock expects no call
+    mock = std::make_shared<StrictMock<MockVellIfswCalibrationControl>>();
+    device.offer<Sdk>(Sdk::key, mock);
+    control.onControlsAvailable(); // nor one that makes up for it
+}
+
+} // namespace
+} // namespace tarn::tests
