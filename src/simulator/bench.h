@@ -1,0 +1,57 @@
+#pragma once
+
+#include <simulator/calibrations.h>
+#include <simulator/clock.h>
+#include <simulator/executor.h>
+#include <simulator/faults.h>
+#include <simulator/operations.h>
+#include <simulator/potentiometermodel.h>
+#include <simulator/settings.h>
+#include <simulator/storage.h>
+#include <simulator/thermalmodel.h>
+#include <simulator/usbidentity.h>
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tarn::simulator {
+
+/// What the parts of one instrument share. It lives as long as one of them does, which may be
+/// longer than the instrument when somebody still holds a control.
+struct Bench {
+    Bench(const Settings& theSettings, std::shared_ptr<Clock> theClock, std::unique_ptr<Storage> theStorage,
+          Operations::Drop drop)
+        : settings{theSettings}
+        , clock{std::move(theClock)}
+        , storage{std::move(theStorage)}
+        , thermal{settings.seed, clock->now()}
+        , potentiometers{*storage}
+        , calibrations{*storage}
+        , usbIdentity{*storage, profileInfo(settings.profile).model()}
+        , faults{settings.faults, settings.seed}
+        , operations{clock, executor, faults, settings, std::move(drop), [this] { potentiometers.cyclePower(); }}
+        , executor{clock}
+    {
+    }
+
+    const Settings settings;
+    const std::shared_ptr<Clock> clock;
+    const std::unique_ptr<Storage> storage;
+    ThermalModel thermal;
+    PotentiometerModel potentiometers;
+    Calibrations calibrations;
+    UsbIdentity usbIdentity;
+    Faults faults;
+    Operations operations;
+    std::vector<std::function<void()>> endRegistrations; ///< on the instrument's thread, at drops and offers
+    std::vector<std::function<void()>> atOffer; ///< as filled by the controls that are made: once they are announced
+    Executor executor; ///< the last one, so that it has stopped before the others go
+};
+
+/// Makes a new control over a part of the instrument: a reference to exactly the interface that
+/// its key stands for.
+using MakeControl = std::function<std::shared_ptr<void>()>;
+
+} // namespace tarn::simulator

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <simulator/clock.h>
+#include <simulator/faults.h>
+#include <simulator/profile.h>
+
+#include <cstdint>
+
+namespace tarn::simulator {
+
+/// Where the completion of a request is called.
+enum class CompletionMode {
+    Thread, ///< on the instrument's thread
+    Inline, ///< on the caller's, before the operation returns
+};
+
+/// What kind of instrument to simulate.
+struct Settings {
+    Profile profile = Profile::Full;
+    std::uint64_t seed = 0; ///< decides whatever looks random: same seed, same instrument
+    Duration latency{}; ///< how long every request takes
+    CompletionMode completion = CompletionMode::Thread;
+    FaultPlan faults;
+    std::uint32_t memorySize = 4U << 20U; ///< of the memory device, in bytes: whole sectors
+    double speed = 1000.0; ///< how much faster than real memory the memory device is; may be infinite
+};
+
+/// What real memory takes `time` for, in the memory device of `settings`.
+[[nodiscard]] inline Duration scaled(const Settings& settings, Duration time)
+{
+    return Duration{static_cast<Duration::rep>(static_cast<double>(time.count()) / settings.speed)};
+}
+
+} // namespace tarn::simulator

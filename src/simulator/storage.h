@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QJsonValue>
+#include <QString>
+
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace tarn::simulator {
+
+/// What is kept cannot be used: `file` is where, `what()` is why.
+class StateError final : public std::runtime_error {
+public:
+    StateError(QString theFile, const QString& reason)
+        : std::runtime_error{reason.toStdString()}
+        , file{std::move(theFile)}
+    {
+    }
+
+    QString file;
+};
+
+/// Where an instrument keeps what must last: named sections, each a JSON value, and blocks of
+/// bytes that sections refer to. Thread-safe.
+///
+/// A section refers to a block by an object member called `sha256` with the block's digest in
+/// lower-case hexadecimal. A block that no section refers to any more is given up.
+class Storage {
+public:
+    /// Blocks by their digests.
+    using Blocks = QHash<QString, QByteArray>;
+
+    Storage() = default;
+    Storage(const Storage&) = delete;
+    Storage& operator=(const Storage&) = delete;
+    virtual ~Storage() = default;
+
+    /// A section as it was kept last; undefined if it never was.
+    [[nodiscard]] virtual QJsonValue section(const QString& name) const = 0;
+
+    /// A block by its digest. Throws `StateError` if it is missing or altered.
+    [[nodiscard]] virtual QByteArray block(const QString& digest) const = 0;
+
+    /// Throws a `StateError` that blames the place where sections are kept.
+    [[noreturn]] virtual void refuse(const QString& reason) const = 0;
+
+    /// Replaces a section, where `blocks` are all those that it refers to; returns when it is
+    /// durable. After a failure the old section stands.
+    [[nodiscard]] virtual std::error_code save(const QString& name, const QJsonValue& value, const Blocks& blocks) = 0;
+};
+
+/// Keeps nothing.
+class NoStorage final : public Storage {
+public:
+    [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
+    [[nodiscard]] QByteArray block(const QString& digest) const override { refuse(digest); }
+    [[noreturn]] void refuse(const QString& reason) const override { throw StateError{{}, reason}; }
+    std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
+    {
+        return {};
+    }
+};
+
+} // namespace tarn::simulator

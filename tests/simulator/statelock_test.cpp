@@ -1,0 +1,87 @@
+#include <simulator/statetest.h>
+
+#include <simulator/statefolder.h>
+
+#include <QSysInfo>
+
+#include <unistd.h>
+
+#include <chrono>
+
+namespace tarn::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+using provider::OpenError;
+using test::StateTest;
+using testing::HasSubstr;
+
+class StateLockTest : public StateTest { };
+
+TEST_F(StateLockTest, belongs_to_one_process_at_a_time)
+{
+    auto process = holder();
+    ASSERT_EQ(process.readLine(), "open");
+    const auto start = std::chrono::steady_clock::now();
+    const auto error = refused();
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 3s) << "the holder may be about to end";
+    EXPECT_EQ(error.code, OpenError::Code::Busy);
+    EXPECT_THAT(error.message.toStdString(), HasSubstr("\"sim\""));
+    EXPECT_THAT(error.message.toStdString(), HasSubstr("process " + std::to_string(process.id())));
+    EXPECT_THAT(error.message.toStdString(), HasSubstr("statewriter"));
+    EXPECT_THAT(error.message.toStdString(), HasSubstr(QSysInfo::machineHostName().toStdString()));
+    EXPECT_THAT(error.hint.toStdString(), HasSubstr(file("lock").toStdString()));
+    EXPECT_NE(open("other"), nullptr) << "another instrument is free";
+
+    ASSERT_EQ(process.finish(), 0);
+    EXPECT_NE(open(), nullptr) << "and so is this one once the holder has ended";
+}
+
+TEST_F(StateLockTest, belongs_to_one_instrument_of_a_process_at_a_time)
+{
+    auto first = open();
+    const auto error = refused();
+    EXPECT_EQ(error.code, OpenError::Code::Busy);
+    EXPECT_THAT(error.message.toStdString(), HasSubstr("process " + std::to_string(::getpid())));
+    first.reset();
+    EXPECT_NE(open(), nullptr);
+}
+
+TEST_F(StateLockTest, is_waited_for_while_its_holder_is_about_to_end)
+{
+    auto first = open();
+    int waited = 0;
+    const StateFolder second{folder(), [&] {
+                                 if (++waited == 3)
+                                     first.reset();
+                                 return waited < 10;
+                             }};
+    EXPECT_EQ(waited, 3);
+}
+
+TEST_F(StateLockTest, is_free_whatever_the_lock_file_says_when_nobody_holds_it)
+{
+    writeOnce("f", {1});
+    for (const auto* const contents :
+         {"", "1\nanother program\nanother host\n", "someone (process 1 on elsewhere)\n"}) {
+        replace(file("lock"), contents);
+        EXPECT_NE(open(), nullptr) << contents;
+    }
+}
+
+TEST_F(StateLockTest, keeps_the_lock_file_so_that_all_lock_the_same_one)
+{
+    static_cast<void>(open());
+    EXPECT_TRUE(QFile::exists(file("lock"))) << "whoever waits has it open";
+}
+
+TEST_F(StateLockTest, is_free_again_after_its_holder_was_killed)
+{
+    auto process = holder();
+    ASSERT_EQ(process.readLine(), "open");
+    process.kill();
+    EXPECT_NE(open(), nullptr);
+}
+
+} // namespace
+} // namespace tarn::simulator
