@@ -1,0 +1,198 @@
+#include <console/calibrationscommand.h>
+
+#include <console/commandline.h>
+#include <console/requests.h>
+#include <console/text.h>
+#include <console/tourcommand.h>
+#include <console/watchloop.h>
+#include <devices/service/sdkcalibrationcontrolwatcher.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <memory>
+#include <vector>
+
+namespace tarn::console {
+
+namespace {
+
+using Handle = devices::service::SdkCalibrationControlHandle;
+using Watcher = devices::service::SdkCalibrationControlWatcher;
+using Status = sdk::service::calibrations::ICalibrationUnit::Status;
+
+struct Controller {
+    int number;
+    std::uint64_t registryKey;
+};
+
+constexpr Controller controllers[] = {{1, Handle::firstRegistryKey}, {2, Handle::secondRegistryKey}};
+
+struct Unit {
+    std::string name;
+    Status status;
+};
+
+constexpr std::string_view statusText(Status status)
+{
+    switch (status) {
+    case Status::Empty:
+        return "empty";
+    case Status::Saving:
+        return "saving";
+    case Status::Valid:
+        return "valid";
+    case Status::Invalid:
+        return "invalid";
+    }
+    return "unknown";
+}
+
+/// The units of a controller; nothing while the instrument does not offer it.
+std::optional<std::vector<Unit>> unitsOf(const Handle& handle)
+{
+    const auto controller = handle.lock();
+    if (!controller)
+        return std::nullopt;
+    std::vector<Unit> units;
+    for (auto* const unit : controller->units())
+        units.push_back({unit->name(), unit->status()});
+    return units;
+}
+
+std::vector<Unit> unitsOf(const Instrument& instrument, std::uint64_t registryKey)
+{
+    std::vector<Unit> units;
+    whileThere<Handle>(instrument, registryKey, "its calibration units",
+                       [&](const Handle& handle) { units = unitsOf(handle).value_or(units); });
+    return units;
+}
+
+QJsonArray json(const std::vector<Unit>& units)
+{
+    QJsonArray array;
+    for (const auto& [name, status] : units)
+        array.append(QJsonObject{{QStringLiteral("name"), toJson(name)},
+                                 {QStringLiteral("status"), toJson(statusText(status))}});
+    return array;
+}
+
+/// The controllers that the instrument offers; throws `Error` (`NotOffered`) if it offers none.
+std::vector<Controller> offered(const Instrument& instrument)
+{
+    std::vector<Controller> found;
+    for (const auto& controller : controllers)
+        if (instrument.isOffered(controller.registryKey))
+            found.push_back(controller);
+    if (found.empty())
+        instrument.awaitControl(controllers[0].registryKey);
+    return found;
+}
+
+void showStatus(Session& session)
+{
+    const auto& instrument = session.instrument();
+    QJsonArray array;
+    std::string text;
+    for (const auto& [number, registryKey] : offered(instrument)) {
+        const auto units = unitsOf(instrument, registryKey);
+        array.append(QJsonObject{{QStringLiteral("controller"), number}, {QStringLiteral("units"), json(units)}});
+        for (const auto& [name, status] : units)
+            text += fmt::format("{}  {} {}\n", number, padded(escaped(name), 30), statusText(status));
+    }
+    session.output().result(array, text);
+}
+
+// ---- watching
+
+/// Posts what one controller notifies.
+class Reporter {
+public:
+    Reporter(Handle& handle, int number, WatchLoop& loop)
+        : m_handle{handle}
+        , m_number{number}
+        , m_loop{loop}
+        , m_watcher{handle}
+    {
+        // Direct: read on the thread that notifies, so that what is shown is what was notified.
+        QObject::connect(&m_watcher, &Watcher::unitStatusChanged, [this] { postUnits("status"); });
+        QObject::connect(&m_watcher, &Watcher::configurationChanged, [this] { postUnits("configuration"); });
+        QObject::connect(&m_watcher, &Watcher::saveProgressChanged, [this](int percent) { postProgress(percent); });
+        postUnits("status");
+    }
+
+private:
+    void postUnits(std::string_view event) const
+    {
+        const auto units = unitsOf(m_handle);
+        if (!units)
+            return; // it is away again; its return will be notified
+        auto text = fmt::format("{}  {}:", m_number, event);
+        for (const auto& [name, status] : *units)
+            text += fmt::format(" {} {};", escaped(name), statusText(status));
+        m_loop.post({{QStringLiteral("event"), toJson(event)},
+                     {QStringLiteral("controller"), m_number},
+                     {QStringLiteral("units"), json(*units)}},
+                    std::move(text));
+    }
+
+    void postProgress(int percent) const
+    {
+        m_loop.post({{QStringLiteral("event"), QStringLiteral("saving")},
+                     {QStringLiteral("controller"), m_number},
+                     {QStringLiteral("percent"), percent}},
+                    fmt::format("{}  saving: {} %", m_number, percent));
+    }
+
+    const Handle& m_handle;
+    const int m_number;
+    WatchLoop& m_loop;
+    Watcher m_watcher; ///< the last: nothing may be notified to less than a whole reporter
+};
+
+void watch(Session& session, std::optional<std::uint64_t> count)
+{
+    const auto& instrument = session.instrument();
+    WatchLoop loop{instrument.lifecycle(), count, session.output()};
+    std::vector<std::shared_ptr<Handle>> handles;
+    std::vector<std::unique_ptr<Reporter>> reporters;
+    for (const auto& [number, registryKey] : offered(instrument)) {
+        instrument.awaitControl(registryKey);
+        const auto& handle = handles.emplace_back(instrument.control<Handle>(registryKey));
+        reporters.push_back(std::make_unique<Reporter>(*handle, number, loop));
+    }
+    loop.run();
+}
+
+void showUnits(Tour& tour, std::uint64_t registryKey)
+{
+    for (const auto& [name, status] : unitsOf(tour.instrument(), registryKey))
+        tour.show(name, statusText(status), toJson(statusText(status)));
+}
+
+} // namespace
+
+void FirstCalibrationsCommand::addTo(CommandLine& line)
+{
+    auto& noun = line.addNoun("calibrations", "The calibration units of the instrument and what they hold");
+    CommandLine::addExamples(noun, {"calibrations status", "calibrations watch"});
+    line.addVerb(noun, "status", "Show every unit and whether its data is valid", &showStatus);
+
+    const auto count = std::make_shared<std::optional<std::uint64_t>>();
+    auto& verb = line.addVerb(noun, "watch", "Show the units and every change, until Ctrl-C",
+                              [count](Session& session) { watch(session, *count); });
+    addCountOption(verb, *count, "End after so many lines");
+    CommandLine::addExamples(verb, {"calibrations watch", "calibrations watch --count 10 --json"});
+}
+
+void FirstCalibrationsCommand::tour(Tour& tour)
+{
+    showUnits(tour, registryKey);
+}
+
+void SecondCalibrationsCommand::tour(Tour& tour)
+{
+    showUnits(tour, registryKey);
+}
+
+} // namespace tarn::console

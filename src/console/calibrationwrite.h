@@ -1,0 +1,109 @@
+#pragma once
+
+#include <console/change.h>
+
+#include <cstdint>
+#include <expected>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tarn::console {
+
+/// Why a write of calibration data came to no good end.
+struct WriteFailure {
+    std::optional<std::string> reason; ///< what the instrument gave; nothing: the instrument was lost
+    bool hasStarted = false; ///< the instrument had begun to write
+
+    friend bool operator==(const WriteFailure&, const WriteFailure&) = default;
+};
+
+using WriteEnd = std::expected<void, WriteFailure>;
+
+/// A write of calibration data: takes its notifications and waits for its end.
+///
+/// Threads: thread-safe.
+class CalibrationWrite {
+public:
+    /// Before the write is requested from the control under `registryKey`. `onProgress` takes the
+    /// progress. What is passed here must outlive the write.
+    CalibrationWrite(const Instrument& instrument, std::uint64_t registryKey,
+                     std::function<void(LongRequest::Progress)> onProgress);
+    CalibrationWrite(const CalibrationWrite&) = delete;
+    CalibrationWrite& operator=(const CalibrationWrite&) = delete;
+    ~CalibrationWrite();
+
+    /// Waits until the instrument has ended the write, or until it does not come back after a drop.
+    /// A drop alone does not end the write.
+    [[nodiscard]] WriteEnd wait();
+
+    void started();
+    void progress(std::uint32_t percent);
+    void finished();
+    void failed(std::string reason);
+
+private:
+    struct State;
+
+    const Instrument& m_instrument;
+    const std::uint64_t m_registryKey;
+    const std::function<void(LongRequest::Progress)> m_onProgress;
+    const std::shared_ptr<State> m_state; ///< shared with a notification that may be running
+    const QMetaObject::Connection m_connection;
+};
+
+/// What the observers of all controls that write calibration data have in common: all but the errors.
+template <class Control>
+class WriteObserver : public Control::Observer {
+public:
+    explicit WriteObserver(CalibrationWrite& write)
+        : m_write{write}
+    {
+    }
+
+    void onWriteStarted() override { m_write.started(); }
+    void onWriteProgressChanged(std::uint32_t progress) override { m_write.progress(progress); }
+    void onWriteFinished() override { m_write.finished(); }
+
+protected:
+    /// The write has failed with `error`; `words` has the name and the meaning of every error, from
+    /// 0 on.
+    void failed(typename Control::Error error, std::span<const std::string_view> words)
+    {
+        m_write.failed(std::string{words[static_cast<std::size_t>(error)]});
+    }
+
+private:
+    CalibrationWrite& m_write;
+};
+
+/// The error of a write that came to no good end after `last` was notified.
+[[nodiscard]] Error writeFailed(const Change& change, const WriteFailure& failure,
+                                const std::optional<LongRequest::Progress>& last);
+
+/// Makes a write of calibration data and waits for its end, which `Observer`, a `WriteObserver`,
+/// hears; `request(control)` asks for the write. Throws `Error`: `Failed` when the instrument refuses
+/// or fails, `InstrumentLost` when it is lost; either says what is known.
+template <class Observer, class Control, class Request>
+void writeCalibration(const Change& change, const Instrument& instrument, const Output& output, Request request)
+{
+    InterruptWarning warning{output};
+    warning.setConsequences(change.leftBehind, change.advice);
+    const auto control = instrument.control<Control>();
+    LongRequest longRequest{output, change.progress, &warning};
+    const auto end = longRequest.run([&] {
+        CalibrationWrite write{instrument, Control::registryKey,
+                               [&](LongRequest::Progress progress) { longRequest.onProgress(progress); }};
+        Observer observer{write};
+        const Registration registration{*control, static_cast<typename Control::Observer&>(observer)};
+        whileThere<Control>(instrument, Control::registryKey, change.target, request);
+        return write.wait();
+    });
+    if (!end)
+        throw writeFailed(change, end.error(), longRequest.last());
+}
+
+} // namespace tarn::console

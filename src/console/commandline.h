@@ -1,0 +1,56 @@
+#pragma once
+
+#include <console/session.h>
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace tarn::console {
+
+/// The grammar of the command line: `tarn-service [global options] NOUN [VERB] [arguments]`. Every
+/// command file adds its own noun.
+class CommandLine {
+public:
+    using Run = std::function<void(Session&)>;
+
+    CommandLine();
+
+    /// Adds a noun that has verbs.
+    [[nodiscard]] CLI::App& addNoun(const std::string& name, const std::string& description);
+
+    /// Adds a verb to `noun`, or a noun of its own without one. `run` does it; what it throws ends
+    /// the program.
+    CLI::App& addVerb(CLI::App& noun, const std::string& name, const std::string& description, Run run);
+    CLI::App& addVerb(const std::string& name, const std::string& description, Run run);
+
+    /// Ends the help of `command` with examples, each without the program's name.
+    static void addExamples(CLI::App& command, std::initializer_list<std::string_view> examples);
+
+    /// What a command line asks for. Throws `Error` (`Usage`).
+    void parse(int argc, const char* const* argv);
+
+    /// The global options, as far as they were read.
+    [[nodiscard]] const GlobalOptions& options() const { return m_options; }
+
+    /// The words that select the command, for example `files list`, as far as they were read.
+    [[nodiscard]] std::string command() const;
+
+    /// Does what was asked for.
+    void run(Session& session) const { m_run(session); }
+
+private:
+    void addGlobalOptions();
+    [[nodiscard]] const CLI::App& selected() const;
+    [[nodiscard]] Error usage(const CLI::ParseError& error) const;
+    [[nodiscard]] bool isOfGlobalOption(const CLI::ParseError& error) const;
+
+    CLI::App m_app;
+    GlobalOptions m_options;
+    Run m_run;
+};
+
+} // namespace tarn::console

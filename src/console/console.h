@@ -1,0 +1,11 @@
+#pragma once
+
+namespace tarn::console {
+
+/// To be called before anything else in the program.
+void prepare();
+
+/// Runs the program and returns its exit code. There is a `QCoreApplication`.
+[[nodiscard]] int run(int argc, const char* const* argv);
+
+} // namespace tarn::console

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <devices/factorycorrection.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn::console {
+
+/// The name of a correction on the command line: "port-extension".
+[[nodiscard]] std::string_view correctionName(devices::FactoryCorrection correction);
+
+/// The correction of that name.
+[[nodiscard]] std::optional<devices::FactoryCorrection> findCorrection(std::string_view name);
+
+/// All names, separated by commas.
+[[nodiscard]] std::string correctionNames();
+
+} // namespace tarn::console

@@ -1,0 +1,282 @@
+#include <console/correctionscommand.h>
+
+#include <console/commandline.h>
+#include <console/correctionnames.h>
+#include <console/requests.h>
+#include <console/text.h>
+#include <console/tourcommand.h>
+#include <console/verify.h>
+#include <console/watchloop.h>
+
+#include <QJsonArray>
+
+#include <algorithm>
+#include <memory>
+#include <mutex>
+#include <ranges>
+#include <vector>
+
+namespace tarn::console {
+
+namespace {
+
+using Control = CorrectionsCommand::Control;
+using devices::FactoryCorrection;
+
+struct State {
+    FactoryCorrection correction;
+    bool isValid;
+    bool isEnabled;
+    bool isModifiable;
+};
+
+State stateOf(const Control& control, FactoryCorrection correction)
+{
+    return {correction, control.isValid(correction), control.isEnabled(correction), control.isModifiable(correction)};
+}
+
+template <class Operation>
+void whileHere(const Instrument& instrument, Operation operation)
+{
+    whileThere<Control>(instrument, CorrectionsCommand::registryKey, "its corrections", operation);
+}
+
+std::vector<State> list(const Instrument& instrument)
+{
+    std::vector<State> states;
+    whileHere(instrument, [&](const Control& control) {
+        for (const auto correction : control.supported())
+            states.push_back(stateOf(control, correction));
+    });
+    return states;
+}
+
+struct Names {
+    QJsonArray json;
+    std::string text;
+};
+
+/// The names of a list of corrections.
+Names namesOf(std::ranges::input_range auto&& corrections)
+{
+    Names names;
+    for (const FactoryCorrection correction : corrections) {
+        const auto name = correctionName(correction);
+        names.json.append(toJson(name));
+        names.text += fmt::format("{}{}", names.text.empty() ? "" : ", ", name);
+    }
+    if (names.text.empty())
+        names.text = "none";
+    return names;
+}
+
+QJsonObject json(const State& state)
+{
+    return {{QStringLiteral("name"), toJson(correctionName(state.correction))},
+            {QStringLiteral("valid"), state.isValid},
+            {QStringLiteral("enabled"), state.isEnabled},
+            {QStringLiteral("modifiable"), state.isModifiable}};
+}
+
+void showList(Session& session)
+{
+    const auto& output = session.output();
+    QJsonArray array;
+    auto text = output.paint(Output::Style::Heading,
+                             fmt::format("{:<22} {:<6} {:<8} {}", "CORRECTION", "VALID", "ENABLED", "MODIFIABLE"));
+    const auto word = [](bool yes) { return yes ? "yes" : "no"; };
+    for (const auto& state : list(session.instrument())) {
+        array.append(json(state));
+        text += fmt::format("\n{:<22} {:<6} {:<8} {}", correctionName(state.correction), word(state.isValid),
+                            word(state.isEnabled), word(state.isModifiable));
+    }
+    output.result(array, text);
+}
+
+// ---- switching
+
+/// The state of a correction that can be switched; throws `Error` otherwise.
+State findSwitchable(const Instrument& instrument, FactoryCorrection correction)
+{
+    const auto name = correctionName(correction);
+    const auto states = list(instrument);
+    const auto state = std::ranges::find(states, correction, &State::correction);
+    if (state == states.end())
+        throw Error{ErrorCode::NotFound, fmt::format("this instrument has no {} correction", name),
+                    "'tarn-service corrections list' shows those that it has"};
+    if (!state->isValid)
+        throw Error{ErrorCode::Failed,
+                    fmt::format("the {} correction cannot be switched: the instrument has no valid data for it", name),
+                    "write its data first; nothing was changed"};
+    if (!state->isModifiable)
+        throw Error{ErrorCode::Failed, fmt::format("the {} correction cannot be switched now", name),
+                    "'tarn-service corrections list' shows which can; nothing was changed"};
+    return *state;
+}
+
+void setEnabled(Session& session, FactoryCorrection correction, bool enabled)
+{
+    const auto& instrument = session.instrument();
+    const auto name = correctionName(correction);
+    const auto* const word = enabled ? "on" : "off";
+    auto state = findSwitchable(instrument, correction);
+    const bool identical = state.isEnabled == enabled;
+    if (!identical) {
+        whileHere(instrument, [&](Control& control) { control.setEnabled(correction, enabled); });
+        verify(fmt::format("the {} correction was switched {}", name, word),
+               "see what the instrument has with 'tarn-service corrections list', then do it again", [&] {
+                   whileHere(instrument, [&](const Control& control) { state = stateOf(control, correction); });
+                   return state.isEnabled == enabled;
+               });
+    }
+    auto result = json(state);
+    result.insert(QStringLiteral("status"), identical ? QStringLiteral("identical") : QStringLiteral("written"));
+    session.output().done(result, fmt::format("the {} correction is {}{}", name, word, identical ? " already" : ""));
+}
+
+FactoryCorrection correctionNamed(const std::string& name)
+{
+    if (const auto correction = findCorrection(name))
+        return *correction;
+    throw Error{ErrorCode::Usage, fmt::format("'{}' is no correction", name),
+                fmt::format("name one of {}", correctionNames())};
+}
+
+void addSwitchVerb(CommandLine& line, CLI::App& noun, const std::string& name, bool enabled)
+{
+    const auto correction = std::make_shared<std::string>();
+    auto& verb = line.addVerb(noun, name, enabled ? "Switch a correction on" : "Switch a correction off",
+                              [=](Session& session) { setEnabled(session, correctionNamed(*correction), enabled); });
+    verb.add_option("NAME", *correction, "Which; 'corrections list' shows them")->required();
+}
+
+// ---- watching
+
+/// Posts what the instrument notifies. Instrument and control may hold on to it longer than the watch
+/// lasts.
+class Reporter final : public Control::Observer {
+public:
+    Reporter(const Control& control, WatchLoop& loop)
+        : m_control{control}
+        , m_loop{&loop}
+    {
+    }
+
+    void onSupportedChanged() override { post("supported", m_control.supported()); }
+
+    void onValidChanged() override
+    {
+        auto valid = m_control.supported();
+        std::erase_if(valid, [&](FactoryCorrection correction) { return !m_control.isValid(correction); });
+        post("valid", valid);
+    }
+
+    void onEnabledChanged(FactoryCorrection correction, bool enabled) override
+    {
+        const auto name = correctionName(correction);
+        post({{QStringLiteral("event"), QStringLiteral("enabled")},
+              {QStringLiteral("correction"), toJson(name)},
+              {QStringLiteral("enabled"), enabled}},
+             fmt::format("enabled: {} {}", name, enabled ? "on" : "off"));
+    }
+
+    /// Once this has returned, nothing is posted any more.
+    void silence()
+    {
+        const std::scoped_lock lock{m_mutex};
+        m_loop = nullptr;
+    }
+
+private:
+    void post(std::string_view event, const std::vector<FactoryCorrection>& corrections)
+    {
+        const auto [json, text] = namesOf(corrections);
+        post({{QStringLiteral("event"), toJson(event)}, {QStringLiteral("corrections"), json}},
+             fmt::format("{}: {}", event, text));
+    }
+
+    void post(QJsonObject json, std::string text)
+    {
+        const std::scoped_lock lock{m_mutex};
+        if (m_loop)
+            m_loop->post(std::move(json), std::move(text));
+    }
+
+    const Control& m_control;
+    std::mutex m_mutex;
+    WatchLoop* m_loop;
+};
+
+/// Keeps a reporter with the control for as long as it lives.
+class Reporting {
+public:
+    Reporting(Instrument& instrument, Control& control, WatchLoop& loop)
+        : m_instrument{instrument}
+        , m_control{control}
+        , m_reporter{std::make_shared<Reporter>(control, loop)}
+    {
+        m_instrument.keep(m_reporter); // a control that is away does not let it go
+        m_instrument.undisturbed([this] {
+            m_control.addObserver(m_reporter.get());
+            if (m_instrument.lifecycle().isAway()) // its return tells both
+                return;
+            m_reporter->onSupportedChanged();
+            m_reporter->onValidChanged();
+        });
+    }
+    Reporting(const Reporting&) = delete;
+    Reporting& operator=(const Reporting&) = delete;
+    ~Reporting()
+    {
+        m_reporter->silence();
+        m_instrument.undisturbed([this] { m_control.removeObserver(m_reporter.get()); });
+    }
+
+private:
+    Instrument& m_instrument;
+    Control& m_control;
+    const std::shared_ptr<Reporter> m_reporter;
+};
+
+void watch(Session& session, std::optional<std::uint64_t> count)
+{
+    auto& instrument = session.instrument();
+    const auto control = instrument.control<Control>();
+    instrument.awaitControl(CorrectionsCommand::registryKey);
+    WatchLoop loop{instrument.lifecycle(), count, session.output()};
+    const Reporting reporting{instrument, *control, loop};
+    loop.run();
+}
+
+} // namespace
+
+void CorrectionsCommand::addTo(CommandLine& line)
+{
+    auto& noun = line.addNoun("corrections", "The factory corrections and their switches");
+    CommandLine::addExamples(noun, {"corrections list", "corrections disable port-extension", "corrections watch"});
+    line.addVerb(noun, "list", "List the corrections that the instrument knows, and their states", &showList);
+    addSwitchVerb(line, noun, "enable", true);
+    addSwitchVerb(line, noun, "disable", false);
+
+    const auto count = std::make_shared<std::optional<std::uint64_t>>();
+    auto& verb
+        = line.addVerb(noun, "watch", "Show the supported and the valid corrections, and every change, until Ctrl-C",
+                       [count](Session& session) { watch(session, *count); });
+    addCountOption(verb, *count, "End after so many lines");
+    CommandLine::addExamples(verb, {"corrections watch", "corrections watch --count 10 --json"});
+}
+
+void CorrectionsCommand::tour(Tour& tour)
+{
+    const auto states = list(tour.instrument());
+    const auto show = [&](std::string_view label, auto isShown) {
+        const auto [json, text]
+            = namesOf(states | std::views::filter(isShown) | std::views::transform(&State::correction));
+        tour.show(label, text, json);
+    };
+    show("supported", [](const State&) { return true; });
+    show("valid", &State::isValid);
+    show("switched on", &State::isEnabled);
+}
+
+} // namespace tarn::console

@@ -1,0 +1,49 @@
+#include <console/error.h>
+
+namespace tarn::console {
+
+namespace {
+
+struct Row {
+    std::string_view word;
+    int exitCode;
+};
+
+constexpr Row row(ErrorCode code)
+{
+    switch (code) {
+    case ErrorCode::Failed:
+        return {"failed", 1};
+    case ErrorCode::Usage:
+        return {"usage", 2};
+    case ErrorCode::NotFound:
+        return {"not-found", 3};
+    case ErrorCode::NotOffered:
+        return {"not-offered", 3};
+    case ErrorCode::Busy:
+        return {"busy", 3};
+    case ErrorCode::Refused:
+        return {"refused", 4};
+    case ErrorCode::InstrumentLost:
+        return {"instrument-lost", 5};
+    case ErrorCode::LocalFile:
+        return {"local-file", 9};
+    case ErrorCode::Interrupted:
+        return {"interrupted", 130};
+    }
+    return {"failed", 1};
+}
+
+} // namespace
+
+std::string_view errorWord(ErrorCode code)
+{
+    return row(code).word;
+}
+
+int exitCode(ErrorCode code)
+{
+    return row(code).exitCode;
+}
+
+} // namespace tarn::console

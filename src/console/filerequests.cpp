@@ -1,0 +1,86 @@
+#include <console/filerequests.h>
+
+#include <console/error.h>
+#include <console/requests.h>
+#include <console/text.h>
+#include <console/verify.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace tarn::console::filerequests {
+
+namespace {
+
+using Control = FilesCommand::Control;
+
+/// The result of one request. One that found the control unavailable was not made, so it is made
+/// again once the control is back.
+template <class Request>
+auto ask(const Instrument& instrument, Request request)
+{
+    const auto control = instrument.control<Control>();
+    for (int attempt = 1;; ++attempt) {
+        auto outcome = request(*control);
+        if (outcome)
+            return std::move(outcome).value();
+        if (outcome.error() != Control::unavailableMessage)
+            throw Error{ErrorCode::Failed, outcome.error().toStdString(),
+                        "the instrument is as it was; 'tarn-service files list' shows what it holds"};
+        instrument.awaitControl(FilesCommand::registryKey);
+        if (attempt == attempts)
+            throw Error{ErrorCode::Failed, "the instrument offers its file memory, but the memory cannot be used now",
+                        "check the instrument, then try again"};
+    }
+}
+
+constexpr auto verifyHint = "see what the instrument has with 'tarn-service files list', then do it again";
+
+} // namespace
+
+QList<FileInfo> list(const Instrument& instrument)
+{
+    return ask(instrument, [](Control& control) { return control.fileList(); });
+}
+
+SpaceInfo space(const Instrument& instrument)
+{
+    return ask(instrument, [](Control& control) { return control.spaceInfo(); });
+}
+
+std::optional<FileInfo> find(const Instrument& instrument, const QString& name)
+{
+    const auto files = list(instrument);
+    const auto file = std::ranges::find(files, name, &FileInfo::name);
+    return file == files.end() ? std::nullopt : std::optional{*file};
+}
+
+FileInfo findOrThrow(const Instrument& instrument, const QString& name)
+{
+    if (auto file = find(instrument, name))
+        return *std::move(file);
+    throw Error{ErrorCode::NotFound, fmt::format("the instrument has no file '{}'", name),
+                "'tarn-service files list' shows those that it has"};
+}
+
+QByteArray contentsOf(const Instrument& instrument, const FileInfo& file)
+{
+    return ask(instrument, [&](Control& control) { return control.readFile(file); });
+}
+
+void write(const Instrument& instrument, const QString& name, const QByteArray& contents)
+{
+    ask(instrument, [&](Control& control) { return control.writeFile(name, contents); });
+    verify(fmt::format("'{}' was written", name), verifyHint, [&] {
+        const auto file = find(instrument, name);
+        return file && contentsOf(instrument, *file) == contents;
+    });
+}
+
+void remove(const Instrument& instrument, const FileInfo& file)
+{
+    ask(instrument, [&](Control& control) { return control.deleteFile(file); });
+    verify(fmt::format("'{}' was deleted", file.name), verifyHint, [&] { return !find(instrument, file.name); });
+}
+
+} // namespace tarn::console::filerequests

@@ -1,0 +1,83 @@
+#include <console/filescommand.h>
+
+#include <console/commandline.h>
+#include <console/filerequests.h>
+#include <console/filesverbs.h>
+#include <console/text.h>
+#include <console/tourcommand.h>
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <memory>
+
+namespace tarn::console {
+
+void FilesCommand::addTo(CommandLine& line)
+{
+    auto& noun = line.addNoun("files", "The instrument's file memory");
+    CommandLine::addExamples(noun, {"files list", "files write settings.bin", "files read settings.bin -o copy.bin"});
+    line.addVerb(noun, "list", "List the files: size in bytes and name", &filesverbs::listFiles);
+    line.addVerb(noun, "space", "Show how much the file memory holds", &filesverbs::showSpace);
+
+    const auto read = std::make_shared<filesverbs::ReadOptions>();
+    auto& readVerb = line.addVerb(noun, "read", "Read a file from the instrument",
+                                  [read](Session& session) { filesverbs::readFile(session, *read); });
+    readVerb.add_option("NAME", read->name, "The file's name on the instrument")->required();
+    readVerb.add_option("-o,--output", read->path, "Where to write it; '-' is standard output [NAME, if it is plain]")
+        ->type_name("PATH");
+    readVerb.add_flag("--overwrite", read->overwrite, "Replace a local file that has other contents");
+    CommandLine::addExamples(readVerb,
+                             {"files read settings.bin", "files read settings.bin -o backup/settings.bin",
+                              "files read settings.bin -o - | sha256sum"});
+
+    const auto write = std::make_shared<filesverbs::WriteOptions>();
+    auto& writeVerb = line.addVerb(noun, "write", "Write a file into the instrument, read it back and compare",
+                                   [write](Session& session) { filesverbs::writeFile(session, *write); });
+    writeVerb.add_option("PATH", write->path, "The local file; '-' is standard input")->required();
+    writeVerb.add_option("--as", write->name, "Its name on the instrument [the last part of PATH]")->type_name("NAME");
+    writeVerb.add_flag("--overwrite", write->overwrite, "Replace a file of the instrument that has other contents");
+    CommandLine::addExamples(writeVerb,
+                             {"files write settings.bin", "files write new.bin --as settings.bin --overwrite"});
+
+    const auto remove = std::make_shared<filesverbs::DeleteOptions>();
+    auto& deleteVerb = line.addVerb(noun, "delete", "Delete a file from the instrument, after asking",
+                                    [remove](Session& session) { filesverbs::deleteFile(session, *remove); });
+    deleteVerb.add_option("NAME", remove->name, "The file's name on the instrument")->required();
+    remove->confirmation.addTo(deleteVerb);
+    CommandLine::addExamples(deleteVerb, {"files delete settings.bin", "files delete settings.bin --yes"});
+}
+
+void FilesCommand::tour(Tour& tour)
+{
+    constexpr std::uint64_t size = 1024;
+    const auto& instrument = tour.instrument();
+    const auto room = filerequests::space(instrument);
+    tour.show("space", filesverbs::text(room), filesverbs::json(room));
+    const auto count = filerequests::list(instrument).size();
+    tour.show("files", fmt::format("{}", count), count);
+
+    if (room.free < 2 * size) // the store needs some for itself
+        return tour.say("There is no room to write a file, so none is written.");
+    const auto file
+        = QStringLiteral("tarn-tour-%1.bin").arg(QRandomGenerator::system()->generate64(), 16, 16, QLatin1Char{'0'});
+    if (!tour.mayChange(fmt::format("write a file '{}' and delete it again", file)))
+        return;
+    QByteArray contents{qsizetype{size}, '\0'};
+    std::ranges::generate(contents, [] { return static_cast<char>(QRandomGenerator::global()->bounded(256)); });
+    tour.restoring(
+        [&] {
+            filerequests::write(instrument, file, contents);
+            tour.show("write", fmt::format("{}, {} bytes, read back and compared", file, size),
+                      filesverbs::json(file, size));
+        },
+        [&] {
+            if (const auto written = filerequests::find(instrument, file))
+                filerequests::remove(instrument, *written);
+        },
+        {fmt::format("its file '{}' may still be there", file),
+         fmt::format("'tarn-service files delete {} --yes' removes it", file)});
+    tour.show("delete", "done", true);
+}
+
+} // namespace tarn::console

@@ -1,0 +1,61 @@
+#include <console/instrument.h>
+
+#include <console/controltable.h>
+#include <devices/service/servicecontrols.h>
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace tarn::console {
+
+namespace {
+
+/// How long a command waits for controls that were dropped.
+constexpr std::chrono::seconds patience{2};
+
+devices::ControlRegistry makeRegistry()
+{
+    devices::ControlRegistry registry;
+    devices::service::servicecontrols::registrate(&registry);
+    return registry;
+}
+
+} // namespace
+
+Instrument::Instrument(std::shared_ptr<sdk::IVna> device)
+    : m_device{std::move(device)}
+    , m_registry{makeRegistry()}
+    , m_lifecycle{m_device}
+    , m_controls{m_device, m_registry, AllControlTypes{}}
+{
+}
+
+bool Instrument::isThere(std::uint64_t registryKey) const
+{
+    const auto* const row = findControlRow(registryKey);
+    return row && m_device->control(row->sdkKey);
+}
+
+void Instrument::awaitControl(std::uint64_t registryKey) const
+{
+    // A control that is about to go can still be had, but not for long.
+    if ((!m_lifecycle.isAway() && isThere(registryKey))
+        || (m_lifecycle.waitUntilBack(patience) && isThere(registryKey)))
+        return;
+    if (!isOffered(registryKey))
+        throw notOffered(registryKey);
+    throw Error{
+        ErrorCode::InstrumentLost,
+        fmt::format("the instrument has dropped its {} control and not offered it again", controlName(registryKey)),
+        "check the instrument and its connection, then try again"};
+}
+
+Error Instrument::notOffered(std::uint64_t registryKey) const
+{
+    return Error{ErrorCode::NotOffered,
+                 fmt::format("this instrument ({}) has no {} control", model().name(), controlName(registryKey)),
+                 "'tarn-service controls' shows what it has"};
+}
+
+} // namespace tarn::console

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <console/platform.h>
+
+#include <string>
+
+/// Ctrl-C. Whatever these comments say of it holds for the signals SIGTERM and SIGHUP as well. One
+/// that was ignored when the program was started goes on being ignored, and a hang-up counts once:
+/// the terminal and the shell both report it.
+namespace tarn::console::platform {
+
+/// To be called before the first thread: holds Ctrl-C back until `exitOnInterrupt`.
+void holdInterrupts();
+
+/// From now on Ctrl-C writes `lastWords` to `stream` and ends the program with exit code 130. They
+/// are left out on a standard output that holds something already, unless it was yielded.
+void exitOnInterrupt(Stream stream, std::string lastWords);
+
+/// Other last words than those of `exitOnInterrupt` from now on.
+void setLastWords(std::string lastWords);
+
+/// While one is alive, the first Ctrl-C of the program does not end it but is recorded, for good;
+/// a second one ends it. Guards may nest; each leaves the words as it found them.
+class InterruptGuard {
+public:
+    InterruptGuard();
+    InterruptGuard(const InterruptGuard&) = delete;
+    InterruptGuard& operator=(const InterruptGuard&) = delete;
+    ~InterruptGuard();
+
+    [[nodiscard]] bool isRequested() const;
+
+    /// What the first Ctrl-C writes to standard error from now on, unless that would have to wait.
+    void setFirstWords(std::string firstWords);
+
+    /// What a second Ctrl-C writes from now on.
+    void setLastWords(std::string lastWords);
+
+    /// A file descriptor that becomes readable when Ctrl-C is recorded.
+    [[nodiscard]] int descriptor() const;
+
+private:
+    const std::string m_firstWordsBefore;
+    const std::string m_lastWordsBefore;
+};
+
+} // namespace tarn::console::platform

@@ -1,0 +1,48 @@
+#include <console/longrequest.h>
+
+#include <QEventLoop>
+#include <QSocketNotifier>
+
+#include <thread>
+
+namespace tarn::console {
+
+LongRequest::LongRequest(const Output& output, const std::optional<OperationName>& name, InterruptWarning* warning)
+    : m_warning{warning}
+{
+    if (name)
+        m_display.emplace(output, *name);
+}
+
+void LongRequest::onProgress(const Progress& progress)
+{
+    const auto show = [this, progress] {
+        m_last = progress;
+        if (m_display)
+            m_display->show(progress);
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+}
+
+void LongRequest::attend(const std::function<void()>& request)
+{
+    QEventLoop loop;
+    std::optional<QSocketNotifier> interrupt;
+    if (m_warning) {
+        interrupt.emplace(m_warning->descriptor(), QSocketNotifier::Read);
+        connect(&*interrupt, &QSocketNotifier::activated, this, [&] {
+            interrupt->setEnabled(false); // the descriptor stays readable: once is enough
+            if (m_display)
+                m_display->makeRoom();
+            m_warning->warn();
+        });
+    }
+    const std::jthread worker{[&] {
+        request();
+        // After all progress of the request, so that nothing of it is left unseen.
+        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
+    }};
+    loop.exec();
+}
+
+} // namespace tarn::console

@@ -1,0 +1,82 @@
+#include <console/measurement.h>
+
+#include <console/requests.h>
+#include <devices/service/sdktemperaturecontrol.h>
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace tarn::console {
+
+namespace {
+
+using Thermometer = devices::service::SdkTemperatureControl;
+
+double temperatureOf(const Instrument& instrument)
+{
+    if (!instrument.isOffered(Thermometer::registryKey))
+        throw Error{ErrorCode::Usage, "the temperature of the measurement is missing, and this instrument shows none",
+                    "give it in degrees Celsius with --value"};
+    const auto thermometer = instrument.control<Thermometer>();
+    instrument.awaitControl(Thermometer::registryKey);
+    return thermometer->temperature();
+}
+
+} // namespace
+
+void MeasurementOptions::addTo(CLI::App& command)
+{
+    command
+        .add_option_function<double>(
+            "--value",
+            [this](double temperature) {
+                if (!std::isfinite(temperature))
+                    throw CLI::ValidationError{"--value", "a temperature in degrees Celsius is a finite number"};
+                m_temperature = temperature;
+            },
+            "The instrument's temperature during the measurement, in degrees Celsius [as it is now]")
+        ->type_name("X");
+    command
+        .add_option_function<std::string>(
+            "--time",
+            [this](const std::string& text) {
+                m_time = parseTime(text);
+                if (!m_time)
+                    throw CLI::ValidationError{"--time", "'" + text + "' is not a time such as 2026-11-21T10:00:00Z"};
+            },
+            "When it was measured, in UTC, for example 2026-11-21T10:00:00Z [now]")
+        ->type_name("T");
+}
+
+Measurement MeasurementOptions::obtain(const Instrument& instrument) const
+{
+    return {m_time ? *m_time : QDateTime::currentDateTimeUtc(),
+            m_temperature ? *m_temperature : temperatureOf(instrument)};
+}
+
+std::string measurementText(const Measurement& measurement)
+{
+    return fmt::format("measured {} at {:.2f} °C", measurement.time.toString(Qt::ISODate).toStdString(),
+                       measurement.temperature);
+}
+
+QJsonObject measurementJson(const Measurement& measurement)
+{
+    return {{QStringLiteral("time"), measurement.time.toString(Qt::ISODate)},
+            {QStringLiteral("temperature"), measurement.temperature}};
+}
+
+std::optional<QDateTime> parseTime(const std::string& text)
+{
+    // In parts: a whole that is read as local time is not valid in the hour that summer time skips.
+    constexpr qsizetype dateLength = 10;
+    const auto whole = QString::fromStdString(text);
+    const auto date = QDate::fromString(whole.left(dateLength), QStringLiteral("yyyy-MM-dd"));
+    const auto time = QTime::fromString(whole.mid(dateLength), QStringLiteral("'T'HH:mm:ss'Z'"));
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return QDateTime{date, time, Qt::UTC};
+}
+
+} // namespace tarn::console

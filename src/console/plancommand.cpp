@@ -1,0 +1,87 @@
+#include <console/plancommand.h>
+
+#include <console/localfile.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace tarn::console {
+
+namespace {
+
+constexpr std::uint64_t mostExamplePoints = 100'000; // nobody reads a longer example
+
+std::string segmentText(const vna::FrequencySegment& segment)
+{
+    return fmt::format("{} Hz to {} Hz in {} points", segment.start, segment.stop, segment.pointCount);
+}
+
+std::uint64_t pointCount(const FrequencyPlan& plan)
+{
+    return std::accumulate(plan.begin(), plan.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, const auto& segment) { return sum + segment.pointCount; });
+}
+
+} // namespace
+
+void addPlanOptions(CLI::App& verb, PlanOptions& options)
+{
+    verb.add_option("-o,--output", options.path, "Write it into a plan file instead, for --plan")->type_name("PATH");
+    verb.add_flag("--overwrite", options.overwrite, "Replace a local file that has other contents");
+}
+
+void showPlan(const Output& output, const FrequencyPlan& plan, const PlanOptions& options)
+{
+    auto json = planJson(plan);
+    if (!options.path) {
+        std::string text;
+        for (const auto& segment : plan)
+            text += segmentText(segment) + '\n';
+        return output.result(json, text);
+    }
+    const auto contents = planFileText(plan);
+    if (*options.path == "-")
+        return output.data(contents);
+    const bool identical = writeLocalFile(*options.path, contents, options.overwrite) == LocalWrite::Identical;
+    json.insert(QStringLiteral("path"), toJson(*options.path));
+    json.insert(QStringLiteral("status"), identical ? QStringLiteral("identical") : QStringLiteral("written"));
+    output.done(json,
+                identical ? fmt::format("'{}' is there already, identical", *options.path)
+                          : fmt::format("wrote the plan into '{}' ({} segments)", *options.path, plan.size()));
+}
+
+std::vector<double> examplePoints(const std::optional<std::string>& path)
+{
+    if (!path)
+        return pointsOf(examplePlan());
+    const SourceFile file{*path, planExample};
+    const auto plan = readPlanFile(file, readLocalFile(*path));
+    if (pointCount(plan) > mostExamplePoints)
+        throw badFile(file, "$.segments", fmt::format("{} points", pointCount(plan)),
+                      fmt::format("at most {} for an example", mostExamplePoints));
+    return pointsOf(plan);
+}
+
+void addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
+                    std::function<std::string(std::vector<double>)> text)
+{
+    const auto plan = std::make_shared<std::optional<std::string>>();
+    auto& verb = line.addVerb(noun, "example", description, [plan, text = std::move(text)](Session& session) {
+        showExample(session, text(examplePoints(*plan)));
+    });
+    verb.add_option("--plan", *plan, "For the points of the plan in this file instead of a few")->type_name("FILE");
+}
+
+void showExample(Session& session, const std::string& text)
+{
+    session.output().result(QJsonObject{{QStringLiteral("example"), toJson(text)}}, text);
+}
+
+void showPlanInTour(Tour& tour, const FrequencyPlan& plan)
+{
+    tour.show("plan", fmt::format("{} points in {} segments", pointCount(plan), plan.size()), toJson(pointCount(plan)));
+    if (!plan.empty())
+        tour.show("first segment", segmentText(plan.front()), planJson(plan));
+}
+
+} // namespace tarn::console

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QByteArrayView>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+/// What the program needs of the operating system beyond Qt. Everything POSIX stands behind this
+/// header and `interruptguard.h`.
+namespace tarn::console::platform {
+
+enum class Stream { Input, Output, Error };
+
+/// To be called before anything else. Makes a reader who went away an
+/// ordinary write error, and sees to it that no file opened later takes the place of a standard
+/// stream that came closed.
+void prepare();
+
+[[nodiscard]] bool isTerminal(Stream stream);
+
+/// The columns of a terminal; 80 for one that does not tell.
+[[nodiscard]] int columns(Stream stream);
+
+/// Writes all of `bytes` at once, unbuffered.
+[[nodiscard]] std::error_code write(Stream stream, std::string_view bytes);
+
+/// The same if it needs no waiting; `bytes` are a few lines at most.
+void tryWrite(Stream stream, std::string_view bytes);
+
+/// What standard output holds is whole so far, and more is to come: until the next write, there is
+/// room for last words.
+void yieldOutput();
+
+/// Writes what the program says as it ends, on another thread than that of its command. On a
+/// standard output that holds something already, and was not yielded, it is left out; otherwise
+/// nobody writes there any more.
+void writeLastWords(Stream stream, std::string_view words);
+
+/// A line of standard input without its end, empty at the end of the input; nothing when the file
+/// descriptor `cancel` becomes readable first.
+[[nodiscard]] std::optional<std::string> readLine(int cancel);
+
+enum class Existing { Keep, Replace };
+
+/// Writes a file whole or not at all: to a temporary name in the same folder, synced, then
+/// renamed. A link at `path` is never followed. With `Existing::Keep` anything at `path` is
+/// `std::errc::file_exists`.
+[[nodiscard]] std::error_code writeFile(const std::string& path, QByteArrayView contents, Existing existing);
+
+} // namespace tarn::console::platform

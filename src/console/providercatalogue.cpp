@@ -1,0 +1,69 @@
+#include <console/providercatalogue.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonObject>
+#include <QLibrary>
+#include <QPluginLoader>
+
+#include <algorithm>
+
+namespace tarn::console {
+
+namespace {
+
+QStringList searchFolders()
+{
+    constexpr auto variable = "TARN_SERVICE_PROVIDERS";
+    if (qEnvironmentVariableIsSet(variable))
+        return qEnvironmentVariable(variable).split(QDir::listSeparator(), Qt::SkipEmptyParts);
+    return {QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/tarn-service/providers"))};
+}
+
+} // namespace
+
+ProviderCatalogue::ProviderCatalogue()
+    : m_folders{searchFolders()}
+{
+    for (const QDir folder : std::as_const(m_folders)) {
+        for (const auto& entry : folder.entryInfoList(QDir::Files, QDir::Name)) {
+            const auto file = entry.absoluteFilePath();
+            if (!QLibrary::isLibrary(file))
+                continue;
+            if (const auto provider = load(file))
+                m_loaded.push_back({file, *provider});
+            else
+                m_refused.push_back({file, provider.error()});
+        }
+    }
+}
+
+provider::IDeviceProvider* ProviderCatalogue::find(const QString& name) const
+{
+    const auto named = [&](const Loaded& loaded) { return loaded.provider->name() == name; };
+    const auto found = std::ranges::find_if(m_loaded, named);
+    return found == m_loaded.end() ? nullptr : found->provider;
+}
+
+std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const QString& file) const
+{
+    QPluginLoader loader{file};
+    const auto expected = QStringLiteral(TARN_DEVICE_PROVIDER_IID);
+    const auto interface = loader.metaData().value(QLatin1StringView{"IID"}).toString();
+    if (interface.isEmpty())
+        return std::unexpected{QStringLiteral("it is not a Qt plug-in")};
+    if (interface != expected)
+        return std::unexpected{QStringLiteral("it is a plug-in for '%1', not for '%2'").arg(interface, expected)};
+    auto* const root = loader.instance();
+    if (!root)
+        return std::unexpected{QStringLiteral("it cannot be loaded: %1").arg(loader.errorString())};
+    auto* const provider = qobject_cast<provider::IDeviceProvider*>(root);
+    if (!provider)
+        return std::unexpected{QStringLiteral("its root object is a %1, which is not a device provider")
+                                   .arg(QLatin1StringView{root->metaObject()->className()})};
+    if (find(provider->name()))
+        return std::unexpected{QStringLiteral("there is a provider named '%1' already").arg(provider->name())};
+    return provider;
+}
+
+} // namespace tarn::console

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <provider/ideviceprovider.h>
+
+#include <QString>
+#include <QStringList>
+
+#include <expected>
+#include <vector>
+
+namespace tarn::console {
+
+/// The provider plug-ins that are there to be used.
+///
+/// Looks into the folders that the environment variable `TARN_SERVICE_PROVIDERS` lists, in the
+/// manner of `PATH`, or, when it is not set, into `../lib/tarn-service/providers` next to the
+/// program. What a plug-in was made for is read from its meta data before any of its code runs.
+class ProviderCatalogue {
+public:
+    struct Loaded {
+        QString file;
+        provider::IDeviceProvider* provider; ///< lives until the program ends
+    };
+
+    /// A file that is no provider of ours, and why.
+    struct Refused {
+        QString file;
+        QString reason;
+    };
+
+    ProviderCatalogue();
+
+    [[nodiscard]] const QStringList& folders() const { return m_folders; }
+    [[nodiscard]] const std::vector<Loaded>& loaded() const { return m_loaded; }
+    [[nodiscard]] const std::vector<Refused>& refused() const { return m_refused; }
+
+    /// The provider of that name, or null.
+    [[nodiscard]] provider::IDeviceProvider* find(const QString& name) const;
+
+private:
+    [[nodiscard]] std::expected<provider::IDeviceProvider*, QString> load(const QString& file) const;
+
+    QStringList m_folders;
+    std::vector<Loaded> m_loaded;
+    std::vector<Refused> m_refused;
+};
+
+} // namespace tarn::console

@@ -1,0 +1,113 @@
+#include <console/session.h>
+
+#include <console/text.h>
+
+#include <QDir>
+
+#include <utility>
+
+namespace tarn::console {
+
+namespace {
+
+/// Where a provider may keep what must last.
+QString stateFolder(const std::optional<std::string>& option)
+{
+    const auto named = option.value_or(qgetenv("TARN_SERVICE_STATE").toStdString());
+    const auto chosen = decoded(named);
+    if (!chosen)
+        throw Error{ErrorCode::Usage, fmt::format("the state folder '{}' {}", named, chosen.error()),
+                    "name one whose path is spelled in UTF-8"};
+    if (option && chosen->isEmpty())
+        throw Error{ErrorCode::Usage, "--state needs a folder", "name one, or 'none' to keep nothing"};
+    if (*chosen == QLatin1StringView{"none"})
+        return *chosen;
+    if (!chosen->isEmpty())
+        return QDir::cleanPath(QDir::current().absoluteFilePath(*chosen));
+    const auto base = qEnvironmentVariable("XDG_STATE_HOME");
+    const auto standard = QDir::isAbsolutePath(base) ? base : QDir::homePath() + QStringLiteral("/.local/state");
+    return QDir::cleanPath(standard + QStringLiteral("/tarn-service"));
+}
+
+ErrorCode errorCode(provider::OpenError::Code code)
+{
+    using Code = provider::OpenError::Code;
+    switch (code) {
+    case Code::NotFound:
+        return ErrorCode::NotFound;
+    case Code::InvalidAddress:
+        return ErrorCode::Usage;
+    case Code::Busy:
+        return ErrorCode::Busy;
+    case Code::State:
+        return ErrorCode::LocalFile;
+    case Code::Failed:
+        break;
+    }
+    return ErrorCode::Failed;
+}
+
+} // namespace
+
+Session::Session(GlobalOptions options, const Output& output)
+    : m_options{std::move(options)}
+    , m_output{output}
+{
+}
+
+const ProviderCatalogue& Session::providers()
+{
+    if (!m_providers) {
+        m_providers.emplace();
+        for (const auto& loaded : m_providers->loaded())
+            m_output.detail(fmt::format("provider '{}' from {}", loaded.provider->name(), loaded.file));
+        for (const auto& refused : m_providers->refused())
+            m_output.detail(fmt::format("not used: {}: {}", refused.file, refused.reason));
+    }
+    return *m_providers;
+}
+
+provider::IDeviceProvider& Session::provider()
+{
+    const auto& catalogue = providers();
+    if (auto* const provider = catalogue.find(QString::fromStdString(m_options.provider)))
+        return *provider;
+    QStringList names;
+    for (const auto& loaded : catalogue.loaded())
+        names.append(loaded.provider->name());
+    const auto message = fmt::format("there is no provider '{}'", m_options.provider);
+    const auto folders = catalogue.folders().join(QStringLiteral(", "));
+    if (names.isEmpty())
+        throw Error{ErrorCode::NotFound, message,
+                    fmt::format("no provider was found in {}; TARN_SERVICE_PROVIDERS names other folders", folders)};
+    throw Error{
+        ErrorCode::NotFound, message,
+        fmt::format("there are: {}; 'tarn-service providers' describes them", names.join(QStringLiteral(", ")))};
+}
+
+Instrument& Session::instrument()
+{
+    if (!m_instrument)
+        m_instrument = open();
+    return *m_instrument;
+}
+
+std::unique_ptr<Instrument> Session::open()
+{
+    const provider::OpenRequest request{QString::fromStdString(m_options.address.value_or(std::string{})),
+                                        stateFolder(m_options.state)};
+    auto device = provider().open(request);
+    if (!device)
+        throw Error{errorCode(device.error().code), device.error().message.toStdString(),
+                    device.error().hint.toStdString()};
+    if (!*device)
+        throw Error{ErrorCode::Failed, fmt::format("provider '{}' opened nothing", m_options.provider),
+                    "report this to whoever made the provider"};
+    const auto which = request.address.isEmpty() ? fmt::format("the default instrument of '{}'", m_options.provider)
+                                                 : fmt::format("'{}'", request.address);
+    m_output.detail(
+        fmt::format("opened {} (model {}), state in {}", which, (*device)->model().name(), request.stateFolder));
+    return std::make_unique<Instrument>(*std::move(device));
+}
+
+} // namespace tarn::console

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <console/instrument.h>
+#include <console/output.h>
+#include <console/providercatalogue.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tarn::console {
+
+/// The options that stand before or after any command.
+struct GlobalOptions {
+    std::string provider = "simulator";
+    std::optional<std::string> address; ///< nothing: the provider's default instrument
+    std::optional<std::string> state; ///< nothing: the environment or the user's state folder
+    OutputOptions output;
+};
+
+/// One run of the program: what the global options select, obtained when a command first needs it.
+class Session {
+public:
+    Session(GlobalOptions options, const Output& output);
+
+    [[nodiscard]] const GlobalOptions& options() const { return m_options; }
+    [[nodiscard]] const Output& output() const { return m_output; }
+
+    /// The provider plug-ins.
+    [[nodiscard]] const ProviderCatalogue& providers();
+
+    /// The selected provider; throws `Error` (`NotFound`), naming those that there are.
+    [[nodiscard]] provider::IDeviceProvider& provider();
+
+    /// The selected instrument; throws `Error` when it cannot be opened.
+    [[nodiscard]] Instrument& instrument();
+
+    /// Selects another instrument than the command line does. Before the first use.
+    void setAddress(std::string address) { m_options.address = std::move(address); }
+
+private:
+    [[nodiscard]] std::unique_ptr<Instrument> open();
+
+    GlobalOptions m_options;
+    const Output& m_output;
+    std::optional<ProviderCatalogue> m_providers;
+    std::unique_ptr<Instrument> m_instrument;
+};
+
+} // namespace tarn::console

@@ -1,0 +1,108 @@
+#include <console/temperaturecommand.h>
+
+#include <console/commandline.h>
+#include <console/duration.h>
+#include <console/temperaturewatch.h>
+#include <console/text.h>
+#include <console/tourcommand.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <memory>
+
+namespace tarn::console {
+
+namespace {
+
+using Control = TemperatureCommand::Control;
+
+constexpr std::chrono::days longestInterval{1}; // Qt's timers end after 24 days
+
+QJsonObject json(const Control& control)
+{
+    QJsonArray modules;
+    for (const auto& module : control.modulesTemperature())
+        modules.append(
+            QJsonObject{{QStringLiteral("name"), module.name}, {QStringLiteral("temperature"), module.temperature}});
+    return {{QStringLiteral("temperature"), control.temperature()}, {QStringLiteral("modules"), modules}};
+}
+
+void show(Session& session)
+{
+    const auto& instrument = session.instrument();
+    const auto control = instrument.control<Control>();
+    instrument.awaitControl(TemperatureCommand::registryKey); // a snapshot outlives its control
+    auto text = fmt::format("{} {:7.2f} °C\n", padded("instrument", 20), control->temperature());
+    for (const auto& module : control->modulesTemperature())
+        text += fmt::format("  {} {:7.2f} °C\n", padded(escaped(module.name), 18), module.temperature);
+    session.output().result(json(*control), text);
+}
+
+void showReading(const Output& output, const Control& control)
+{
+    const auto now = QDateTime::currentDateTimeUtc();
+    auto object = json(control);
+    object.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
+    auto text = fmt::format("{}  {:.2f} °C", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")),
+                            control.temperature());
+    for (const auto& module : control.modulesTemperature())
+        text += fmt::format("  {} {:.2f}", escaped(module.name), module.temperature);
+    output.part(object, text);
+}
+
+struct WatchOptions {
+    std::optional<std::uint64_t> count;
+    std::chrono::microseconds interval{0};
+};
+
+void watch(Session& session, const WatchOptions& options)
+{
+    const auto& instrument = session.instrument();
+    const auto control = instrument.control<Control>();
+    instrument.awaitControl(TemperatureCommand::registryKey);
+    TemperatureWatch{instrument.lifecycle(),
+                     *control,
+                     options.interval,
+                     options.count,
+                     [&] { showReading(session.output(), *control); },
+                     session.output()}
+        .run();
+}
+
+} // namespace
+
+void TemperatureCommand::addTo(CommandLine& line)
+{
+    auto& noun = line.addNoun("temperature", "The temperatures of the instrument and its modules");
+    CommandLine::addExamples(noun, {"temperature show", "temperature watch --interval 1s"});
+    line.addVerb(noun, "show", "Show the last measurement, in degrees Celsius", &show);
+
+    const auto options = std::make_shared<WatchOptions>();
+    auto& verb = line.addVerb(noun, "watch",
+                              "Show every measurement as it is made, until Ctrl-C; waits while the instrument is away",
+                              [options](Session& session) { watch(session, *options); });
+    addCountOption(verb, options->count, "End after so many readings");
+    verb.add_option_function<std::string>(
+            "--interval",
+            [options](const std::string& text) {
+                const auto interval = parseDuration(text);
+                if (!interval || *interval > longestInterval)
+                    throw CLI::ValidationError{
+                        "--interval", "'" + text + "' is not a time such as 500ms, 2s or 1min, of a day at most"};
+                options->interval = *interval;
+            },
+            "Show at most one reading in this time, for example 500ms; a day at most")
+        ->type_name("TIME");
+    CommandLine::addExamples(verb, {"temperature watch", "temperature watch --count 10 --interval 1s --json"});
+}
+
+void TemperatureCommand::tour(Tour& tour)
+{
+    const auto control = tour.instrument().control<Control>();
+    tour.show("instrument", fmt::format("{:.2f} °C", control->temperature()), control->temperature());
+    for (const auto& module : control->modulesTemperature())
+        tour.show(module.name.toStdString(), fmt::format("{:.2f} °C", module.temperature), module.temperature);
+}
+
+} // namespace tarn::console

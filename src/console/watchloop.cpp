@@ -1,0 +1,82 @@
+#include <console/watchloop.h>
+
+#include <console/number.h>
+#include <console/text.h>
+
+#include <QDateTime>
+#include <QSocketNotifier>
+
+#include <utility>
+
+namespace tarn::console {
+
+WatchLoop::WatchLoop(const LifecycleWatch& lifecycle, std::optional<std::uint64_t> count, const Output& output)
+    : m_lifecycle{lifecycle}
+    , m_count{count}
+    , m_output{output}
+{
+    // Queued: the signal comes from a thread of the device.
+    connect(&lifecycle, &LifecycleWatch::changed, this, [this] { onLifecycleChanged(); }, Qt::QueuedConnection);
+}
+
+void WatchLoop::run()
+{
+    const QSocketNotifier interrupt{m_interrupt.descriptor(), QSocketNotifier::Read};
+    connect(&interrupt, &QSocketNotifier::activated, &m_loop, &QEventLoop::quit);
+    if (m_shown != m_count && !m_failure)
+        m_loop.exec();
+    if (m_failure)
+        std::rethrow_exception(m_failure);
+    if (m_shown != m_count)
+        throw Error{ErrorCode::Interrupted, "interrupted", "nothing was changed; everything until now was shown"};
+}
+
+void WatchLoop::show(const std::function<void()>& step)
+{
+    if (m_failure || m_shown == m_count)
+        return;
+    try {
+        step();
+        ++m_shown;
+    } catch (...) {
+        m_failure = std::current_exception();
+    }
+    if (m_failure || m_shown == m_count)
+        m_loop.quit();
+}
+
+void WatchLoop::post(QJsonObject json, std::string text)
+{
+    const auto now = QDateTime::currentDateTimeUtc();
+    json.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
+    auto line = fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text);
+    const auto write
+        = [this, json = std::move(json), line = std::move(line)] { show([&] { m_output.result(json, line); }); };
+    QMetaObject::invokeMethod(this, write, Qt::QueuedConnection);
+}
+
+void WatchLoop::onLifecycleChanged()
+{
+    // What has passed already when its turn comes is not worth a message.
+    if (m_lifecycle.isAway() == m_saidAway)
+        return;
+    m_saidAway = !m_saidAway;
+    m_output.message(m_saidAway ? "the instrument has dropped its controls; waiting for them (Ctrl-C ends)"
+                                : "the controls are back");
+}
+
+void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description)
+{
+    command
+        .add_option_function<std::string>(
+            "--count",
+            [&count](const std::string& text) {
+                count = parseNumber<std::uint64_t>(text);
+                if (count.value_or(0) == 0)
+                    throw CLI::ValidationError{"--count", "'" + text + "' is not a whole number from 1"};
+            },
+            description)
+        ->type_name("N");
+}
+
+} // namespace tarn::console

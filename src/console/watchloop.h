@@ -1,0 +1,54 @@
+#pragma once
+
+#include <console/interruptguard.h>
+#include <console/lifecyclewatch.h>
+#include <console/output.h>
+
+#include <CLI/CLI.hpp>
+
+#include <QEventLoop>
+#include <QJsonObject>
+#include <QObject>
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tarn::console {
+
+/// Shows what happens on an instrument until a number of things was shown or Ctrl-C. Says when the
+/// instrument drops its controls and when they are back.
+class WatchLoop final : public QObject {
+public:
+    /// Both references must outlive the loop.
+    WatchLoop(const LifecycleWatch& lifecycle, std::optional<std::uint64_t> count, const Output& output);
+
+    /// Returns when `count` things were shown. Throws what a step threw, and `Error` (`Interrupted`)
+    /// after Ctrl-C.
+    void run();
+
+    /// Runs `step`, which shows one thing, unless enough were shown. On the loop's thread.
+    void show(const std::function<void()>& step);
+
+    /// Shows an event with the moment of this call: `json`, or `text` for people. Threads: any.
+    void post(QJsonObject json, std::string text);
+
+private:
+    void onLifecycleChanged();
+
+    const LifecycleWatch& m_lifecycle;
+    const std::optional<std::uint64_t> m_count;
+    const Output& m_output;
+    std::uint64_t m_shown = 0;
+    bool m_saidAway = false;
+    platform::InterruptGuard m_interrupt;
+    QEventLoop m_loop;
+    std::exception_ptr m_failure; ///< no exception may pass through Qt's event loop
+};
+
+/// Adds `--count` to a command that watches.
+void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description);
+
+} // namespace tarn::console

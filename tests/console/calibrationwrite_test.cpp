@@ -1,0 +1,99 @@
+#include <console/calibrationwrite.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace tarn::console {
+
+namespace {
+
+/// Offers nothing and drops it at will.
+class EmptyVna final : public sdk::IVna {
+public:
+    std::shared_ptr<void> control(sdk::Key /*key*/) override { return nullptr; }
+    void addObserver(Observer* observer) override { m_observers.push_back(observer); }
+    void removeObserver(Observer* observer) override { std::erase(m_observers, observer); }
+    [[nodiscard]] sdk::Model model() const override { return sdk::Model{"empty"}; }
+
+    void dropAndOfferAgain()
+    {
+        for (auto* const observer : m_observers)
+            observer->onControlsAboutToBeReleased();
+        for (auto* const observer : m_observers)
+            observer->onControlsAvailable();
+    }
+
+private:
+    std::vector<Observer*> m_observers;
+};
+
+class CalibrationWriteTest : public testing::Test {
+protected:
+    const std::shared_ptr<EmptyVna> device = std::make_shared<EmptyVna>();
+    const Instrument instrument{device};
+    std::vector<std::uint32_t> shown;
+    CalibrationWrite write{instrument, 0x1234,
+                           [this](LongRequest::Progress progress) { shown.push_back(progress.done); }};
+    const WriteEnd lost = std::unexpected{WriteFailure{std::nullopt, false}};
+};
+
+} // namespace
+
+TEST_F(CalibrationWriteTest, EndsWellWhenTheInstrumentSaysSo)
+{
+    write.started();
+    write.progress(0);
+    write.progress(40);
+    write.finished();
+    EXPECT_TRUE(write.wait().has_value());
+    EXPECT_EQ(shown, (std::vector<std::uint32_t>{0, 40}));
+}
+
+TEST_F(CalibrationWriteTest, IsRefusedByAnErrorAlone)
+{
+    write.failed("NoData");
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{"NoData", false})});
+}
+
+TEST_F(CalibrationWriteTest, HasFailedByAnErrorAfterItsStart)
+{
+    write.started();
+    write.failed("WriteFailed");
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{"WriteFailed", true})});
+}
+
+TEST_F(CalibrationWriteTest, HasOneEnd)
+{
+    write.started();
+    write.finished();
+    write.failed("late");
+    EXPECT_TRUE(write.wait().has_value());
+}
+
+TEST_F(CalibrationWriteTest, TakesNothingOfAWriteThatWasUnderWayForItsOwn)
+{
+    write.progress(90);
+    write.finished();
+    EXPECT_EQ(write.wait(), lost);
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(CalibrationWriteTest, MayHaveStartedUnheardWhileTheControlsWereAway)
+{
+    device->dropAndOfferAgain();
+    write.progress(90);
+    write.finished();
+    EXPECT_TRUE(write.wait().has_value());
+    EXPECT_EQ(shown, std::vector<std::uint32_t>{90});
+}
+
+TEST_F(CalibrationWriteTest, IsLostWithTheInstrument)
+{
+    EXPECT_EQ(write.wait(), lost);
+    write.started();
+    device->dropAndOfferAgain();
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, true})});
+}
+
+} // namespace tarn::console
