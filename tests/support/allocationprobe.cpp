@@ -1,50 +1,39 @@
 #include <support/allocationprobe.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <new>
 
 namespace {
 
 std::atomic<int> blocks{0};
 std::atomic<void (*)()> atFree{nullptr};
 
-void* allocate(std::size_t size) noexcept
+bool isLarge(std::size_t size)
 {
-    if (size >= tarn::tests::AllocationProbe::large)
-        ++blocks;
-    return std::malloc(size == 0 ? 1 : size); // NOLINT
+    return size >= tarn::tests::AllocationProbe::large;
 }
 
 } // namespace
 
-void* operator new(std::size_t size)
+// The linker sends the program's own calls of `new` and of sized `delete` here (--wrap).
+extern "C" {
+void* __real__Znwm(std::size_t size); // NOLINT
+void* __wrap__Znwm(std::size_t size); // NOLINT
+void __real__ZdlPvm(void* block, std::size_t size); // NOLINT
+void __wrap__ZdlPvm(void* block, std::size_t size); // NOLINT
+
+void* __wrap__Znwm(std::size_t size) // NOLINT
 {
-    if (void* const block = allocate(size))
-        return block;
-    throw std::bad_alloc{};
+    if (isLarge(size))
+        ++blocks;
+    return __real__Znwm(size);
 }
 
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept
+void __wrap__ZdlPvm(void* block, std::size_t size) // NOLINT
 {
-    return allocate(size);
-}
-
-void operator delete(void* block) noexcept
-{
-    std::free(block); // NOLINT
-}
-
-void operator delete(void* block, std::size_t size) noexcept
-{
-    std::free(block); // NOLINT
-    if (auto* const watch = size >= tarn::tests::AllocationProbe::large ? atFree.load() : nullptr)
+    __real__ZdlPvm(block, size);
+    if (auto* const watch = isLarge(size) ? atFree.load() : nullptr)
         watch();
 }
-
-void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept
-{
-    std::free(block); // NOLINT
 }
 
 namespace tarn::tests {

@@ -4,8 +4,8 @@
 
 namespace tarn::tests {
 
-/// Counts the large blocks of memory that the program and the libraries which it loads allocate
-/// with `new`, on all threads.
+/// Counts the large blocks of memory that the code of this program allocates with `new`, on all
+/// threads. It sees the calls that are compiled into the program, not those of shared libraries.
 struct AllocationProbe {
     /// What counts as large, in bytes: more than anything but an image needs.
     static constexpr std::size_t large = 1'000'000;
