@@ -31,7 +31,7 @@ struct Device {
 
 constexpr std::uint32_t unitsUpTo(std::uint32_t position, std::uint32_t unit)
 {
-    return position / unit + (position % unit != 0 ? 1 : 0);
+    return (position / unit) + (position % unit != 0 ? 1 : 0);
 }
 
 /// How long something takes that takes `time` for each unit begun between `from` and `to`.

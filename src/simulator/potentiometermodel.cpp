@@ -99,7 +99,7 @@ PotentiometerModel::PotentiometerModel(Storage& storage)
 {
 }
 
-std::vector<PotentiometerModel::Potentiometer> PotentiometerModel::list() const
+std::vector<PotentiometerModel::Potentiometer> PotentiometerModel::list()
 {
     std::vector<Potentiometer> list;
     list.reserve(kinds.size());

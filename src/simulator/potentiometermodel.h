@@ -42,7 +42,7 @@ public:
     /// As `storage` says. Throws `StateError` if that cannot be used.
     explicit PotentiometerModel(Storage& storage);
 
-    [[nodiscard]] std::vector<Potentiometer> list() const;
+    [[nodiscard]] static std::vector<Potentiometer> list();
     [[nodiscard]] std::vector<Value> values() const;
 
     // `Error::BadIndex` for an index that is not a position in the list, `Error::OutOfRange` for a

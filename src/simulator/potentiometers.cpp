@@ -20,7 +20,7 @@ public:
 
     std::vector<Potentiometer> potentiometers() override
     {
-        return m_bench->operations.call([this] { return model().list(); });
+        return m_bench->operations.call(&PotentiometerModel::list);
     }
 
     void readFromEeprom(unsigned long index, sdk::Completion<int> completion) override
