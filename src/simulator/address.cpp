@@ -83,9 +83,8 @@ bool readSwitch(std::string_view text, bool& isOn)
 }
 
 /// Whole sectors of the memory device.
-bool readSize(std::string_view text, std::uint32_t& size)
+bool readSize(std::string_view text, std::optional<std::uint32_t>& size)
 {
-    constexpr std::uint32_t largest = 256U << 20U;
     const auto unitAt = std::min(text.find_first_not_of("0123456789"), text.size());
     const auto unit = text.substr(unitAt);
     std::uint32_t factor = 0;
@@ -94,7 +93,7 @@ bool readSize(std::string_view text, std::uint32_t& size)
     else if (unit == "MiB")
         factor = 1U << 20U;
     std::uint32_t value = 0;
-    if (factor == 0 || !readNumber<std::uint32_t>(text.substr(0, unitAt), 1, value) || value > largest / factor
+    if (factor == 0 || !readNumber<std::uint32_t>(text.substr(0, unitAt), 1, value) || value > FlashMemory::largestCapacity / factor
         || value * factor % FlashMemory::sectorSize != 0)
         return false;
     size = value * factor;
@@ -157,7 +156,7 @@ constexpr std::array options{
            [](auto value, auto& to) { return readTime(value, to.faults.delay); }},
     Option{"throw-every", "N", "never", "make every Nth operation throw an exception",
            [](auto value, auto& to) { return readCount(value, to.faults.throwEvery); }},
-    Option{"memory-size", "SIZE", "4MiB", "how large the memory device is, at most 256MiB",
+    Option{"memory-size", "SIZE", "4MiB", "how large the memory device is, at most 256MiB; an instrument keeps it",
            [](auto value, auto& to) { return readSize(value, to.memorySize); }},
     Option{"speed", "FACTOR|unlimited", "1000",
            "how much faster than a real one the memory device is (per page of 256 bytes 0.7 ms to write and 0.02 ms "

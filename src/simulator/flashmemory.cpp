@@ -2,6 +2,7 @@
 
 #include <QCryptographicHash>
 #include <QJsonObject>
+#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +15,7 @@ namespace tarn::simulator {
 namespace {
 
 const QString sectionName = QStringLiteral("memory");
+const QString capacityKey = QStringLiteral("capacity");
 constexpr char erased = '\xFF';
 
 /// The checksum of `bytes` followed by `erasedCount` erased bytes.
@@ -37,6 +39,23 @@ std::uint32_t checkedLength(const Storage& storage, const QJsonValue& value, std
     return static_cast<std::uint32_t>(length);
 }
 
+std::uint32_t checkedCapacity(const Storage& storage, const QJsonValue& value)
+{
+    const auto capacity = value.toDouble(FlashMemory::defaultCapacity);
+    if ((!value.isUndefined() && !value.isDouble()) || capacity < FlashMemory::sectorSize
+        || capacity > FlashMemory::largestCapacity || std::fmod(capacity, FlashMemory::sectorSize) != 0.0)
+        storage.refuse(QStringLiteral("the capacity of the memory is not whole sectors up to 256 MiB"));
+    return static_cast<std::uint32_t>(capacity);
+}
+
+QJsonObject checkedSection(const Storage& storage)
+{
+    const auto section = storage.section(sectionName);
+    if (!section.isUndefined() && !section.isObject())
+        storage.refuse(QStringLiteral("\"memory\" is not an object"));
+    return section.toObject();
+}
+
 std::vector<std::uint32_t> checkedChecksums(const Storage& storage, const QJsonValue& value)
 {
     constexpr int digits = 8;
@@ -52,18 +71,19 @@ std::vector<std::uint32_t> checkedChecksums(const Storage& storage, const QJsonV
 
 } // namespace
 
-FlashMemory::FlashMemory(std::uint32_t capacity, const Storage& storage)
-    : m_capacity{capacity}
-    , m_length{capacity}
+FlashMemory::FlashMemory(std::optional<std::uint32_t> capacity, const Storage& storage)
+    : FlashMemory{capacity, storage, checkedSection(storage)}
 {
-    const auto section = storage.section(sectionName);
-    if (!section.isUndefined() && !section.isObject())
-        storage.refuse(QStringLiteral("\"memory\" is not an object"));
-    const auto object = section.toObject();
-    if (object.isEmpty())
+}
+
+FlashMemory::FlashMemory(std::optional<std::uint32_t> capacity, const Storage& storage, const QJsonObject& section)
+    : m_capacity{capacity.value_or(checkedCapacity(storage, section[capacityKey]))}
+    , m_length{m_capacity}
+{
+    if (section.isEmpty() || section.keys() == QStringList{capacityKey})
         noteChecksums(0, m_capacity);
     else
-        load(storage, object);
+        load(storage, section);
 }
 
 void FlashMemory::load(const Storage& storage, const QJsonObject& section)
@@ -83,13 +103,15 @@ void FlashMemory::load(const Storage& storage, const QJsonObject& section)
 
 std::error_code FlashMemory::save(Storage& storage) const
 {
+    const auto savedCapacity = static_cast<double>(m_capacity);
     if (isBlank())
-        return storage.save(sectionName, QJsonObject{}, {});
+        return storage.save(sectionName, QJsonObject{{capacityKey, savedCapacity}}, {});
     QString checksums;
     for (const auto checksum : m_checksums)
         checksums += QStringLiteral("%1").arg(checksum, 8, 16, QLatin1Char{'0'});
     const auto digest = QString::fromLatin1(QCryptographicHash::hash(m_written, QCryptographicHash::Sha256).toHex());
-    const QJsonObject section{{QStringLiteral("length"), static_cast<double>(m_length)},
+    const QJsonObject section{{capacityKey, savedCapacity},
+                              {QStringLiteral("length"), static_cast<double>(m_length)},
                               {QStringLiteral("checksums"), checksums},
                               {QStringLiteral("size"), m_written.size()},
                               {QStringLiteral("sha256"), digest}};

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <system_error>
 #include <vector>
@@ -35,13 +36,15 @@ public:
     static constexpr std::uint32_t pageSize = 256;
     static constexpr std::uint32_t sectorSize = 4096;
     static constexpr std::uint32_t blockSize = 65536; ///< what one checksum covers
+    static constexpr std::uint32_t defaultCapacity = 4U << 20U;
+    static constexpr std::uint32_t largestCapacity = 256U << 20U;
     static constexpr Duration pageReadTime = std::chrono::microseconds{20};
     static constexpr Duration pageProgramTime = std::chrono::microseconds{700};
     static constexpr Duration sectorEraseTime = std::chrono::milliseconds{45};
 
-    /// A memory of `capacity` bytes, with the image that `storage` holds. Throws `StateError` if
-    /// it cannot be used.
-    FlashMemory(std::uint32_t capacity, const Storage& storage);
+    /// The memory that `storage` holds, or one of `capacity` bytes with its image. A new one has the
+    /// default capacity. Throws `StateError` if what is held cannot be used.
+    FlashMemory(std::optional<std::uint32_t> capacity, const Storage& storage);
 
     [[nodiscard]] std::uint32_t capacity() const { return m_capacity; }
     [[nodiscard]] std::uint32_t imageLength() const { return m_length; }
@@ -70,6 +73,7 @@ public:
     [[nodiscard]] std::error_code save(Storage& storage) const;
 
 private:
+    FlashMemory(std::optional<std::uint32_t> capacity, const Storage& storage, const QJsonObject& section);
     void load(const Storage& storage, const QJsonObject& section);
     /// Whether the memory is as it was when it was new.
     [[nodiscard]] bool isBlank() const;

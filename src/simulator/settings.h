@@ -5,6 +5,7 @@
 #include <simulator/profile.h>
 
 #include <cstdint>
+#include <optional>
 
 namespace tarn::simulator {
 
@@ -21,7 +22,7 @@ struct Settings {
     Duration latency{}; ///< how long every request takes
     CompletionMode completion = CompletionMode::Thread;
     FaultPlan faults;
-    std::uint32_t memorySize = 4U << 20U; ///< of the memory device, in bytes: whole sectors
+    std::optional<std::uint32_t> memorySize; ///< of the memory device, in bytes, if it is to change: whole sectors
     double speed = 1000.0; ///< how much faster than real memory the memory device is; may be infinite
 };
 

@@ -186,7 +186,23 @@ TEST_F(FlashMemoryTest, is_the_same_after_it_was_kept)
     expectKept();
     memory.erase(0, capacity);
     expectKept();
-    EXPECT_EQ(storage.sections[QStringLiteral("memory")], QJsonObject{});
+    EXPECT_EQ(storage.sections[QStringLiteral("memory")],
+              (QJsonObject{{QStringLiteral("capacity"), static_cast<double>(capacity)}}));
+}
+
+TEST_F(FlashMemoryTest, keeps_its_capacity)
+{
+    EXPECT_EQ((FlashMemory{std::nullopt, storage}.capacity()), FlashMemory::defaultCapacity) << "a new one";
+    for (const bool isWritten : {false, true}) {
+        if (isWritten)
+            write(memory, makeImage(block + 1));
+        ASSERT_EQ(memory.save(storage), std::error_code{});
+        const FlashMemory again{std::nullopt, storage};
+        EXPECT_EQ(again.capacity(), capacity);
+        EXPECT_EQ(contents(again), contents(memory));
+        EXPECT_TRUE(isIntact(again));
+    }
+    EXPECT_EQ((FlashMemory{2 * capacity, storage}.capacity()), 2 * capacity) << "what is asked for counts";
 }
 
 TEST_F(FlashMemoryTest, is_as_large_as_the_next_instrument_when_it_was_erased)
