@@ -1,10 +1,10 @@
 #include <console/temperaturecommand.h>
 
 #include <console/commandline.h>
-#include <console/duration.h>
 #include <console/temperaturewatch.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
+#include <utils/duration.h>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -86,7 +86,7 @@ void TemperatureCommand::addTo(CommandLine& line)
     verb.add_option_function<std::string>(
             "--interval",
             [options](const std::string& text) {
-                const auto interval = parseDuration(text);
+                const auto interval = utils::parseDuration(text);
                 if (!interval || *interval > longestInterval)
                     throw CLI::ValidationError{
                         "--interval", "'" + text + "' is not a time such as 500ms, 2s or 1min, of a day at most"};

@@ -1,12 +1,14 @@
 #include <simulator/address.h>
 
 #include <simulator/flashmemory.h>
+#include <utils/duration.h>
 
 #include <QStringList>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -45,20 +47,10 @@ bool readProbability(std::string_view text, double& probability)
 
 bool readTime(std::string_view text, Duration& time)
 {
-    struct Unit {
-        std::string_view name;
-        std::int64_t nanoseconds;
-    };
-    static constexpr std::array units{Unit{"us", 1'000}, Unit{"ms", 1'000'000}, Unit{"s", 1'000'000'000}};
-    static constexpr std::int64_t longest = 86'400LL * 1'000'000'000; // one day
-
-    const auto unitAt = std::min(text.find_first_not_of("0123456789"), text.size());
-    const auto* const unit = std::ranges::find(units, text.substr(unitAt), &Unit::name);
-    std::int64_t value = 0;
-    if (unit == units.end() || !readNumber<std::int64_t>(text.substr(0, unitAt), 0, value)
-        || value > longest / unit->nanoseconds)
+    const auto value = utils::parseDuration(text);
+    if (!value || *value > std::chrono::days{1})
         return false;
-    time = Duration{value * unit->nanoseconds};
+    time = *value;
     return true;
 }
 
@@ -93,8 +85,8 @@ bool readSize(std::string_view text, std::optional<std::uint32_t>& size)
     else if (unit == "MiB")
         factor = 1U << 20U;
     std::uint32_t value = 0;
-    if (factor == 0 || !readNumber<std::uint32_t>(text.substr(0, unitAt), 1, value) || value > FlashMemory::largestCapacity / factor
-        || value * factor % FlashMemory::sectorSize != 0)
+    if (factor == 0 || !readNumber<std::uint32_t>(text.substr(0, unitAt), 1, value)
+        || value > FlashMemory::largestCapacity / factor || value * factor % FlashMemory::sectorSize != 0)
         return false;
     size = value * factor;
     return true;
@@ -128,7 +120,7 @@ constexpr auto profileForm = "full|bare|pell|zinnia|marl|tove|wisp|glint|brae|ve
 constexpr auto errorForm = "not-found|full|bad-name|io|corrupt|busy|timeout|write-protected|bad-size|power-loss|"
                            "disconnected|bad-index|out-of-range|bad-identity|NUMBER";
 
-// TIME and SIZE are whole numbers with a unit, N a whole number from 1, FACTOR a number from 0.001.
+// TIME is a number and SIZE a whole number with a unit, N a whole number from 1, FACTOR a number from 0.001.
 constexpr std::array options{
     Option{"profile", profileForm, "full", "which instrument, and so which controls it has",
            [](auto value, auto& to) { return readProfile(value, to.profile); }},
@@ -211,7 +203,7 @@ QString explain(const Option& option)
 {
     const std::string_view form = option.value;
     if (form == "TIME")
-        return QStringLiteral(", where TIME is a whole number with the unit us, ms or s, at most a day");
+        return QStringLiteral(", where TIME is a number with the unit us, ms, s, min or h, at most a day");
     if (form == "N")
         return QStringLiteral(", where N is a whole number from 1");
     if (form == "NUMBER")

@@ -81,7 +81,7 @@ TEST(AddressTest, reads_every_profile)
 
 TEST(AddressTest, reads_the_options_of_the_memory)
 {
-    EXPECT_EQ(valid("").settings.memorySize, 4194304U);
+    EXPECT_EQ(valid("").settings.memorySize, std::nullopt);
     EXPECT_EQ(valid("memory-size=4KiB").settings.memorySize, 4096U);
     EXPECT_EQ(valid("memory-size=256MiB").settings.memorySize, 268435456U);
     EXPECT_EQ(valid("memory-size=262144KiB").settings.memorySize, 268435456U);
@@ -180,8 +180,8 @@ TEST(AddressTest, explains_the_value_that_is_missing_and_no_other)
     EXPECT_EQ(invalid("drop-every=x").hint, QStringLiteral("Write drop-every=N, where N is a whole number from 1."));
     EXPECT_EQ(invalid("completion=x").hint, QStringLiteral("Write completion=thread|inline."));
     EXPECT_EQ(invalid("delay=x").hint,
-              QStringLiteral("Write delay=TIME, where TIME is a whole number with the unit "
-                             "us, ms or s, at most a day."));
+              QStringLiteral("Write delay=TIME, where TIME is a number with the unit us, ms, "
+                             "s, min or h, at most a day."));
     EXPECT_TRUE(
         invalid("fail=x").hint.endsWith(QStringLiteral("|NUMBER, where NUMBER is an error code other than 0.")));
 }
@@ -209,7 +209,7 @@ INSTANTIATE_TEST_SUITE_P(Address, InvalidAddress,
                              // seeds
                              "seed=-1", "seed=18446744073709551616", "seed=0x10",
                              // times
-                             "latency=5", "latency=ms", "latency=-5ms", "latency=5 ms", "latency=1.5s", "latency=5min",
+                             "latency=5", "latency=ms", "latency=-5ms", "latency=5 ms", "latency=25h", "latency=5d",
                              "latency=86401s", "latency=9223372036854775807s", "latency=99999999999999999999us",
                              // chances
                              "drop-chance=1.1", "drop-chance=-0.1", "drop-chance=nan", "drop-chance=inf",
@@ -229,6 +229,7 @@ TEST(AddressTest, accepts_the_limits)
     EXPECT_EQ(valid("drop-every=18446744073709551615").settings.faults.dropEvery, 18446744073709551615U);
     EXPECT_EQ(valid("latency=86400s").settings.latency, 24h);
     EXPECT_EQ(valid("latency=86400000000us").settings.latency, 24h);
+    EXPECT_EQ(valid("latency=1.5s").settings.latency, 1500ms);
     EXPECT_EQ(valid("latency=0s").settings.latency, Duration{});
     EXPECT_EQ(valid("drop-chance=1").settings.faults.dropChance, 1.0);
     EXPECT_EQ(valid("drop-chance=0").settings.faults.dropChance, 0.0);

@@ -1,8 +1,8 @@
-#include <console/duration.h>
+#include <utils/duration.h>
 
 #include <gtest/gtest.h>
 
-namespace tarn::console {
+namespace tarn::utils {
 
 using namespace std::chrono_literals;
 
@@ -28,4 +28,4 @@ INSTANTIATE_TEST_SUITE_P(Texts, NoDuration,
                          testing::Values("", "s", "5", "5 s", "5S", "5d", "-1s", "+1s", "infs", "nans", "1e3s", "0x1s",
                                          "1s ", "1ss", ".5s", "99999999999999999999h", "9000h"));
 
-} // namespace tarn::console
+} // namespace tarn::utils
