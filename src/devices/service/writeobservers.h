@@ -30,12 +30,9 @@ public:
     {
         if (!observer)
             return;
-        const auto adapter = std::make_shared<SdkObserverAdapter>(*observer);
-        {
-            const utils::MutexLock lock{m_mutex};
-            if (!m_entries.try_emplace(observer, adapter, true).second)
-                return;
-        }
+        const auto adapter = insert(*observer);
+        if (!adapter)
+            return;
         if (const auto locked = control.lock()) {
             registerWith(*locked, *adapter);
             return;
@@ -128,6 +125,17 @@ private:
         sdk.addObserver(&adapter);
         if (adapter.isRemoved())
             sdk.removeObserver(&adapter);
+    }
+
+    /// A new adapter for `observer`, flagged as registered; null if it has one already.
+    [[nodiscard]] std::shared_ptr<SdkObserverAdapter> insert(Observer& observer)
+    {
+        const utils::MutexLock lock{m_mutex};
+        if (m_entries.contains(&observer))
+            return nullptr;
+        auto adapter = std::make_shared<SdkObserverAdapter>(observer);
+        m_entries.emplace(&observer, ObserverEntry{adapter, true});
+        return adapter;
     }
 
     /// The adapter of `observer`, whose entry goes; null if there is none.

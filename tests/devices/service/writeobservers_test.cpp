@@ -1,5 +1,7 @@
 // The observers of the two calibration controls.
 
+#include <devices/service/writeobservers.h>
+
 #include <support/calibrationbench.h>
 #include <support/exceptions.h>
 #include <support/virtualslot.h>
@@ -302,6 +304,44 @@ TYPED_TEST(WriteObservers, HaveTheirNotificationsInAFixedOrder)
     EXPECT_EQ(slotOf(&TypeParam::Sdk::removeObserver), 1);
     EXPECT_EQ(slotOf(&TypeParam::Sdk::frequencyPlan), 2);
     EXPECT_EQ(slotOf(&TypeParam::Sdk::saveCalibrationData), 3);
+}
+
+/// A control of the SDK whose observers are counted when they are made.
+struct CountingSdk {
+    enum class Error { };
+
+    struct Observer {
+        Observer() { ++made; }
+        Observer(const Observer&) = delete;
+        Observer& operator=(const Observer&) = delete;
+        virtual ~Observer() = default;
+        virtual void onWriteStarted() = 0;
+        virtual void onWriteProgressChanged(unsigned int progress) = 0;
+        virtual void onWriteFinished() = 0;
+        virtual void onError(Error error) = 0;
+
+        static inline int made = 0;
+    };
+
+    void addObserver(Observer* /*observer*/) { }
+    void removeObserver(Observer* /*observer*/) { }
+};
+
+TEST(WriteObserversEntries, AnObserverThatIsThereGetsNoOtherSdkObserver)
+{
+    const auto sdk = std::make_shared<CountingSdk>();
+    const devices::ReacquiringControl<CountingSdk> control{[&] { return sdk::ControlHandle<CountingSdk>{sdk}; }};
+    devices::service::WriteObservers<CountingSdk, Power::Adapter> observers;
+    ProgressListener<Power::Adapter> a;
+    ProgressListener<Power::Adapter> b;
+    CountingSdk::Observer::made = 0;
+    for (auto* const observer : {&a, &a, &b, &a, &b})
+        observers.add(control, observer);
+    EXPECT_EQ(CountingSdk::Observer::made, 2);
+
+    observers.remove(control, &a);
+    observers.add(control, &a);
+    EXPECT_EQ(CountingSdk::Observer::made, 3);
 }
 
 } // namespace
