@@ -22,7 +22,8 @@ class TARN_DEVICES_SERVICE_EXPORT SdkFactoryCorrectionControl final : public ICo
 public:
     static constexpr std::uint64_t registryKey = 0x1a94c41b6c234d42;
 
-    /// Called on the device's thread with no lock held, and by `onControlsAvailable()`.
+    /// Called on the device's thread with no lock held, and by `onControlsAvailable()`, which walks
+    /// the observers: from inside of that an observer must not add or remove one.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
