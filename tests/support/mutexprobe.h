@@ -15,4 +15,13 @@ struct MutexProbe {
     static void failAfter(int successes);
 };
 
+/// How many mutexes `operation` locks on the calling thread.
+template <class Operation>
+[[nodiscard]] int locksOf(Operation operation)
+{
+    const int before = MutexProbe::locks();
+    operation();
+    return MutexProbe::locks() - before;
+}
+
 } // namespace tarn::tests

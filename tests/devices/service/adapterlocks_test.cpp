@@ -5,6 +5,7 @@
 #include <devices/service/sdktemperaturecontrol.h>
 
 #include <support/allocationprobe.h>
+#include <support/devicehandle.h>
 #include <support/mutexprobe.h>
 
 #include <gtest/gtest.h>
@@ -17,7 +18,6 @@
 namespace tarn::tests {
 namespace {
 
-using devices::ReacquiringControl;
 using devices::service::SdkFileMemoryControl;
 using devices::service::SdkLoLeakageControl;
 using devices::service::SdkTemperatureControl;
@@ -61,21 +61,6 @@ public:
     }
     void deleteFile(const FileInfo& /*file*/, sdk::Completion<> completion) override { completion({}); }
 };
-
-/// A handle to `control`, which stays alive.
-template <class Interface, class Control>
-ReacquiringControl<Interface> handleTo(const std::shared_ptr<Control>& control)
-{
-    return ReacquiringControl<Interface>{[control] { return sdk::ControlHandle<Interface>{control}; }};
-}
-
-template <class Operation>
-int locksOf(Operation operation)
-{
-    const int before = MutexProbe::locks();
-    operation();
-    return MutexProbe::locks() - before;
-}
 
 TEST(LoLeakageLocks, EveryOperationLocksTheHandleAlone)
 {

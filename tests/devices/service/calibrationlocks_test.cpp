@@ -6,6 +6,7 @@
 #include <devices/service/sdksystemtermscontrol.h>
 
 #include <support/calibrationbench.h>
+#include <support/devicehandle.h>
 #include <support/mutexprobe.h>
 
 #include <gtest/gtest.h>
@@ -19,7 +20,6 @@ namespace tarn::tests {
 namespace {
 
 using devices::FactoryCorrection;
-using devices::ReacquiringControl;
 using devices::service::ISystemTermsControl;
 using devices::service::SdkCalibrationControlHandle;
 using devices::service::SdkCalibrationControlWatcher;
@@ -95,21 +95,6 @@ public:
 
     Observer* attached = nullptr;
 };
-
-/// A handle to `control`, which stays alive; no control if it is null.
-template <class Interface, class Control>
-ReacquiringControl<Interface> handleTo(const std::shared_ptr<Control>& control)
-{
-    return ReacquiringControl<Interface>{[control] { return sdk::ControlHandle<Interface>{control}; }};
-}
-
-template <class Operation>
-int locksOf(Operation operation)
-{
-    const int before = MutexProbe::locks();
-    operation();
-    return MutexProbe::locks() - before;
-}
 
 struct TermsListener final : ISystemTermsControl::Observer {
     void onWriteStarted() override { ++heard; }

@@ -3,6 +3,7 @@
 #include <devices/service/sdkmemoryoperationscontrol.h>
 
 #include <support/allocationprobe.h>
+#include <support/devicehandle.h>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,6 @@
 namespace tarn::tests {
 namespace {
 
-using devices::ReacquiringControl;
 using devices::service::SdkMemoryOperationsControl;
 using Sdk = sdk::service::IMemoryOperationsControl;
 using Image = std::vector<std::byte>;
@@ -46,7 +46,7 @@ private:
 class ImageCopies : public testing::Test {
 protected:
     std::shared_ptr<Memory> memory = std::make_shared<Memory>();
-    SdkMemoryOperationsControl control{ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{memory}; }}};
+    SdkMemoryOperationsControl control{handleTo<Sdk>(memory)};
 };
 
 TEST_F(ImageCopies, AWriteCopiesTheImageOnce)

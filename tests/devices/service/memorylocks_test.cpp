@@ -5,6 +5,7 @@
 #include <devices/service/sdkserialnumbercontrol.h>
 #include <devices/service/sdkusbidcontrol.h>
 
+#include <support/devicehandle.h>
 #include <support/mutexprobe.h>
 
 #include <gtest/gtest.h>
@@ -17,7 +18,6 @@
 namespace tarn::tests {
 namespace {
 
-using devices::ReacquiringControl;
 using devices::service::IMemoryOperationsControl;
 using devices::service::Progress;
 using devices::service::SdkMemoryOperationsControl;
@@ -67,21 +67,6 @@ public:
     std::vector<DeviceRecord> supportedDevices() override { return {}; }
     void writeUsbId(const UsbId& /*usbId*/, sdk::Completion<> completion) override { completion({}); }
 };
-
-/// A handle to `control`, which stays alive.
-template <class Interface, class Control>
-ReacquiringControl<Interface> handleTo(const std::shared_ptr<Control>& control)
-{
-    return ReacquiringControl<Interface>{[control] { return sdk::ControlHandle<Interface>{control}; }};
-}
-
-template <class Operation>
-int locksOf(Operation operation)
-{
-    const int before = MutexProbe::locks();
-    operation();
-    return MutexProbe::locks() - before;
-}
 
 struct Listener final : IMemoryOperationsControl::IObserver {
     void onWriteProgressChanged(const Progress& /*progress*/) override { ++heard; }

@@ -3,6 +3,8 @@
 
 #include <devices/service/sdksystemtermscontrol.h>
 
+#include <support/devicehandle.h>
+
 #include <gmock/gmock.h>
 
 #include <memory>
@@ -77,9 +79,8 @@ protected:
     SystemTermsOrder() { journal.clear(); }
 
     using Sdk = sdk::service::ISystemTermsControl;
-    std::shared_ptr<Terms> sdk = std::make_shared<Terms>();
-    devices::service::SdkSystemTermsControl control{
-        devices::ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{sdk}; }}};
+    devices::service::SdkSystemTermsControl control{handleTo<Sdk>(std::make_shared<Terms>())};
+    devices::service::SdkSystemTermsControl unavailable{handleTo<Sdk>(std::shared_ptr<Terms>{})};
     const QDateTime time = QDateTime::fromSecsSinceEpoch(1);
 };
 
@@ -97,9 +98,8 @@ TEST_F(SystemTermsOrder, TheTimeIsConvertedThenTheTermsIfThereIsNoPlan)
 
 TEST_F(SystemTermsOrder, NothingIsConvertedForNobody)
 {
-    sdk.reset();
-    control.requestWriteTerms(time, 1.0, Plan{{1e9, 2e9, 2}}, {});
-    control.requestWriteTerms(time, 1.0, {});
+    unavailable.requestWriteTerms(time, 1.0, Plan{{1e9, 2e9, 2}}, {});
+    unavailable.requestWriteTerms(time, 1.0, {});
     EXPECT_THAT(journal, testing::IsEmpty());
 }
 

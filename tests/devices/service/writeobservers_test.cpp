@@ -329,8 +329,7 @@ struct CountingSdk {
 
 TEST(WriteObserversEntries, AnObserverThatIsThereGetsNoOtherSdkObserver)
 {
-    const auto sdk = std::make_shared<CountingSdk>();
-    const devices::ReacquiringControl<CountingSdk> control{[&] { return sdk::ControlHandle<CountingSdk>{sdk}; }};
+    const auto control = handleTo<CountingSdk>(std::make_shared<CountingSdk>());
     devices::service::WriteObservers<CountingSdk, Power::Adapter> observers;
     ProgressListener<Power::Adapter> a;
     ProgressListener<Power::Adapter> b;
