@@ -1,7 +1,8 @@
 #include <devices/service/sdkmemoryoperationscontrol.h>
 
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
+#include <support/adaptertest.h>
+#include <support/contractoperations.h>
 #include <support/errorcategory.h>
 #include <support/mockmemoryoperationscontrol.h>
 #include <support/progresscontract.h>
@@ -73,22 +74,8 @@ struct MemoryOperationsContract {
                  [answer](Mock& mock, const Inside& inside) {
                      ON_CALL(mock, integrityCheck).WillByDefault(answer(inside));
                  }},
-                {"onControlsAvailable",
-                 [](Adapter& adapter) {
-                     adapter.onControlsAvailable();
-                     return Outcome::NoResult;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, addObserver).WillByDefault([inside](auto*) { inside(); });
-                 }},
-                {"onControlsAboutToBeReleased",
-                 [](Adapter& adapter) {
-                     adapter.onControlsAboutToBeReleased();
-                     return Outcome::NoResult;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, removeObserver).WillByDefault([inside](auto*) { inside(); });
-                 }}};
+                attachOperation<Adapter, Mock>(),
+                detachOperation<Adapter, Mock>()};
     }
 };
 
@@ -143,22 +130,8 @@ INSTANTIATE_TYPED_TEST_SUITE_P(MemoryErase, ProgressRecordContract, EraseProgres
 INSTANTIATE_TYPED_TEST_SUITE_P(MemoryCheck, ProgressContract, CheckProgress);
 INSTANTIATE_TYPED_TEST_SUITE_P(MemoryCheck, ProgressRecordContract, CheckProgress);
 
-class SdkMemoryOperationsControlTest : public testing::Test {
-protected:
-    SdkMemoryOperationsControlTest()
-    {
-        ON_CALL(*mock, addObserver).WillByDefault(testing::SaveArg<0>(&attached));
-        device.offer<Sdk>(Sdk::key, mock);
-        EXPECT_CALL(*mock, isAvailable).Times(0);
-        control.emplace(
-            ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }});
-    }
-
-    FakeVna device;
-    std::shared_ptr<NiceMock<MockMemoryOperationsControl>> mock
-        = std::make_shared<NiceMock<MockMemoryOperationsControl>>();
-    Sdk::IObserver* attached = nullptr;
-    std::optional<SdkMemoryOperationsControl> control;
+class SdkMemoryOperationsControlTest
+    : public AdapterTest<Sdk, SdkMemoryOperationsControl, AttachedMock<MockMemoryOperationsControl, Sdk::IObserver>> {
 };
 
 TEST_F(SdkMemoryOperationsControlTest, ReadsTheVeryBufferThatTheSdkDelivers)
@@ -168,7 +141,7 @@ TEST_F(SdkMemoryOperationsControlTest, ReadsTheVeryBufferThatTheSdkDelivers)
     const auto expected = image;
     const auto* const buffer = image.data();
     EXPECT_CALL(*mock, read).WillOnce([&](const auto& done) { done(std::move(image), {}); });
-    const auto read = control->read();
+    const auto read = control.read();
     ASSERT_TRUE(read.has_value());
     EXPECT_EQ(read->data(), buffer);
     EXPECT_EQ(*read, expected);
@@ -184,7 +157,7 @@ TEST_F(SdkMemoryOperationsControlTest, WritesACopyThatIsTheSdksOwnAndLeavesTheCa
         kept = std::move(received);
         done({});
     });
-    EXPECT_TRUE(control->write(image));
+    EXPECT_TRUE(control.write(image));
     EXPECT_EQ(kept, (Image{std::byte{0}, std::byte{1}, std::byte{0xff}, std::byte{0}}));
     EXPECT_EQ(image, kept);
     EXPECT_EQ(image.data(), buffer);
@@ -193,9 +166,9 @@ TEST_F(SdkMemoryOperationsControlTest, WritesACopyThatIsTheSdksOwnAndLeavesTheCa
 TEST_F(SdkMemoryOperationsControlTest, PassesAnEmptyImageBothWays)
 {
     EXPECT_CALL(*mock, write(IsEmpty(), _)).WillOnce([](const auto&, const auto& done) { done({}); });
-    EXPECT_TRUE(control->write({}));
+    EXPECT_TRUE(control.write({}));
     EXPECT_CALL(*mock, read).WillOnce([](const auto& done) { done({}, {}); });
-    EXPECT_THAT(control->read().value(), IsEmpty());
+    EXPECT_THAT(control.read().value(), IsEmpty());
 }
 
 TEST_F(SdkMemoryOperationsControlTest, EveryOperationMakesItsOwnRequestAndNoOther)
@@ -205,10 +178,10 @@ TEST_F(SdkMemoryOperationsControlTest, EveryOperationMakesItsOwnRequestAndNoOthe
     EXPECT_CALL(*mock, integrityCheck).WillOnce([](const auto& done) { done({}); });
     EXPECT_CALL(*mock, write).WillOnce([](const auto&, const auto& done) { done({}); });
     EXPECT_CALL(*mock, read).WillOnce([](const auto& done) { done({}, {}); });
-    EXPECT_TRUE(control->erase());
-    EXPECT_TRUE(control->integrityCheck());
-    EXPECT_TRUE(control->write(Image(1)));
-    EXPECT_TRUE(control->read());
+    EXPECT_TRUE(control.erase());
+    EXPECT_TRUE(control.integrityCheck());
+    EXPECT_TRUE(control.write(Image(1)));
+    EXPECT_TRUE(control.read());
 }
 
 TEST_F(SdkMemoryOperationsControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnNoOther)
@@ -220,12 +193,12 @@ TEST_F(SdkMemoryOperationsControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnN
         EXPECT_CALL(*mock, write).WillOnce([&](const auto&, const auto& done) { done(code); });
         EXPECT_CALL(*mock, erase).WillOnce([&](const auto& done) { done(code); });
         EXPECT_CALL(*mock, integrityCheck).WillOnce([&](const auto& done) { done(code); });
-        const auto read = control->read();
+        const auto read = control.read();
         EXPECT_EQ(read.has_value(), code.value() == 0);
         if (!read) {
             EXPECT_EQ(read.error(), Error::Failed);
         }
-        for (const auto& result : {control->write(Image(3)), control->erase(), control->integrityCheck()}) {
+        for (const auto& result : {control.write(Image(3)), control.erase(), control.integrityCheck()}) {
             EXPECT_EQ(result.has_value(), code.value() == 0);
             if (!result) {
                 EXPECT_EQ(result.error(), Error::Failed);
@@ -250,16 +223,16 @@ TEST_F(SdkMemoryOperationsControlTest, ForwardsProgressWhileTheCallerWaitsWhiche
         sdkThread = std::jthread{[&, done = std::move(done)] {
             outstanding.set_value();
             proceed.get_future().wait();
-            attached->onEraseProgressChanged(0, 512);
-            attached->onReadProgressChanged(1, 2); // of somebody else's request
-            attached->onEraseProgressChanged(512, 512);
+            mock->attached->onEraseProgressChanged(0, 512);
+            mock->attached->onReadProgressChanged(1, 2); // of somebody else's request
+            mock->attached->onEraseProgressChanged(512, 512);
             done({});
         }};
     });
     {
-        std::jthread caller{[&] { EXPECT_TRUE(control->erase()); }};
+        std::jthread caller{[&] { EXPECT_TRUE(control.erase()); }};
         outstanding.get_future().wait();
-        control->addObserver(listener); // the request holds no lock that this needs
+        control.addObserver(listener); // the request holds no lock that this needs
         proceed.set_value();
     }
     EXPECT_THAT(heard,
@@ -274,9 +247,9 @@ TEST_F(SdkMemoryOperationsControlTest, KeepsTwoOutstandingRequestsApartThatCompl
     std::promise<sdk::Completion<>> writing;
     EXPECT_CALL(*mock, read).WillOnce([&](auto done) { reading.set_value(std::move(done)); });
     EXPECT_CALL(*mock, write).WillOnce([&](const auto&, auto done) { writing.set_value(std::move(done)); });
-    std::jthread reader{[&] { EXPECT_EQ(control->read().value(), Image(3)); }};
+    std::jthread reader{[&] { EXPECT_EQ(control.read().value(), Image(3)); }};
     const auto doneReading = reading.get_future().get();
-    std::jthread writer{[&] { EXPECT_FALSE(control->write(Image(4))); }};
+    std::jthread writer{[&] { EXPECT_FALSE(control.write(Image(4))); }};
     writing.get_future().get()(std::make_error_code(std::errc::io_error));
     writer.join(); // returns although the read is still outstanding
     doneReading(Image(3), {});
@@ -286,7 +259,7 @@ TEST_F(SdkMemoryOperationsControlTest, KeepsTheControlAliveWhileItWaitsForTheCom
 {
     std::promise<sdk::Completion<>> request;
     EXPECT_CALL(*mock, erase).WillOnce([&](auto done) { request.set_value(std::move(done)); });
-    std::jthread caller{[&] { EXPECT_TRUE(control->erase()); }};
+    std::jthread caller{[&] { EXPECT_TRUE(control.erase()); }};
     const auto done = request.get_future().get();
     device.drop(Sdk::key);
     const std::weak_ptr<Sdk> life{std::exchange(mock, nullptr)};

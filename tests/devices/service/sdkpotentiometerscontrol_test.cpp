@@ -2,6 +2,7 @@
 
 #include <devices/icontrollifecycleobserver.h>
 #include <support/adaptercontract.h>
+#include <support/adaptertest.h>
 #include <support/errorcategory.h>
 #include <support/mockpotentiometerscontrol.h>
 #include <support/virtualslot.h>
@@ -103,16 +104,8 @@ struct PotentiometersContract {
 INSTANTIATE_TYPED_TEST_SUITE_P(Potentiometers, AdapterContract, PotentiometersContract);
 
 /// A device with potentiometers whose every call must be expected.
-class SdkPotentiometersControlTest : public testing::Test {
-protected:
-    SdkPotentiometersControlTest() { device.offer<Sdk>(Sdk::key, mock); }
-
-    FakeVna device;
-    std::shared_ptr<StrictMock<MockPotentiometersControl>> mock
-        = std::make_shared<StrictMock<MockPotentiometersControl>>();
-    SdkPotentiometersControl control{
-        ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }}};
-};
+class SdkPotentiometersControlTest
+    : public AdapterTest<Sdk, SdkPotentiometersControl, StrictMock<MockPotentiometersControl>> { };
 
 TEST_F(SdkPotentiometersControlTest, WithoutAControlTheListIsEmptyAndEveryRequestFails)
 {

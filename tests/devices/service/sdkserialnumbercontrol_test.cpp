@@ -1,7 +1,8 @@
 #include <devices/service/sdkserialnumbercontrol.h>
 
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
+#include <support/adaptertest.h>
+#include <support/contractoperations.h>
 #include <support/errorcategory.h>
 #include <support/mockmemoryserialnumbercontrol.h>
 #include <support/progresscontract.h>
@@ -65,22 +66,8 @@ struct SerialNumberContract {
                          done({});
                      });
                  }},
-                {"onControlsAvailable",
-                 [](Adapter& adapter) {
-                     adapter.onControlsAvailable();
-                     return Outcome::NoResult;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, addObserver).WillByDefault([inside](auto*) { inside(); });
-                 }},
-                {"onControlsAboutToBeReleased",
-                 [](Adapter& adapter) {
-                     adapter.onControlsAboutToBeReleased();
-                     return Outcome::NoResult;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, removeObserver).WillByDefault([inside](auto*) { inside(); });
-                 }}};
+                attachOperation<Adapter, Mock>(),
+                detachOperation<Adapter, Mock>()};
     }
 };
 
@@ -106,29 +93,14 @@ struct SerialNumberProgress {
 INSTANTIATE_TYPED_TEST_SUITE_P(SerialNumber, ProgressContract, SerialNumberProgress);
 INSTANTIATE_TYPED_TEST_SUITE_P(SerialNumber, ProgressRecordContract, SerialNumberProgress);
 
-class SdkSerialNumberControlTest : public testing::Test {
-protected:
-    SdkSerialNumberControlTest()
-    {
-        ON_CALL(*mock, addObserver).WillByDefault(testing::SaveArg<0>(&attached));
-        device.offer<Sdk>(Sdk::key, mock);
-        EXPECT_CALL(*mock, isAvailable).Times(0);
-        control.emplace(
-            ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }});
-    }
-
-    FakeVna device;
-    std::shared_ptr<NiceMock<MockMemorySerialNumberControl>> mock
-        = std::make_shared<NiceMock<MockMemorySerialNumberControl>>();
-    Sdk::Observer* attached = nullptr;
-    std::optional<SdkSerialNumberControl> control;
-};
+class SdkSerialNumberControlTest
+    : public AdapterTest<Sdk, SdkSerialNumberControl, AttachedMock<MockMemorySerialNumberControl, Sdk::Observer>> { };
 
 TEST_F(SdkSerialNumberControlTest, ReadsEveryNumberUnchanged)
 {
     for (const unsigned int number : {0U, 1U, 0x8000'0000U, greatest}) {
         EXPECT_CALL(*mock, serialNumber).WillOnce([&](const auto& done) { done(number, {}); });
-        EXPECT_EQ(control->serialNumber().value(), number);
+        EXPECT_EQ(control.serialNumber().value(), number);
     }
 }
 
@@ -136,7 +108,7 @@ TEST_F(SdkSerialNumberControlTest, WritesEveryNumberUnchanged)
 {
     for (const unsigned int number : {0U, 1U, 0x8000'0000U, greatest}) {
         EXPECT_CALL(*mock, writeSerialNumber(number, _)).WillOnce([](auto, const auto& done) { done({}); });
-        EXPECT_TRUE(control->writeSerialNumber(number));
+        EXPECT_TRUE(control.writeSerialNumber(number));
     }
 }
 
@@ -147,8 +119,8 @@ TEST_F(SdkSerialNumberControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnNoOth
                             std::make_error_code(std::errc::io_error)}) {
         EXPECT_CALL(*mock, serialNumber).WillOnce([&](const auto& done) { done(7, code); });
         EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](auto, const auto& done) { done(code); });
-        const auto read = control->serialNumber();
-        const auto written = control->writeSerialNumber(7);
+        const auto read = control.serialNumber();
+        const auto written = control.writeSerialNumber(7);
         EXPECT_EQ(read.has_value(), code.value() == 0);
         EXPECT_EQ(written.has_value(), code.value() == 0);
         if (code.value() != 0) {
@@ -167,16 +139,16 @@ TEST_F(SdkSerialNumberControlTest, ForwardsTheProgressOfAWriteWhileTheCallerWait
         heard.push_back(progress);
         heardOn = std::this_thread::get_id();
     };
-    control->addObserver(listener);
+    control.addObserver(listener);
     std::jthread sdkThread;
     EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](auto, auto done) {
         sdkThread = std::jthread{[this, done = std::move(done)] {
-            attached->onWriteProgressChanged(0, 2);
-            attached->onWriteProgressChanged(2, 2);
+            mock->attached->onWriteProgressChanged(0, 2);
+            mock->attached->onWriteProgressChanged(2, 2);
             done({});
         }};
     });
-    EXPECT_TRUE(control->writeSerialNumber(7));
+    EXPECT_TRUE(control.writeSerialNumber(7));
     EXPECT_THAT(heard, testing::ElementsAre(Progress{2, 0}, Progress{2, 2}));
     EXPECT_EQ(heardOn, sdkThread.get_id());
 }
@@ -187,9 +159,9 @@ TEST_F(SdkSerialNumberControlTest, KeepsTwoOutstandingRequestsApartThatCompleteI
     std::promise<sdk::Completion<>> writing;
     EXPECT_CALL(*mock, serialNumber).WillOnce([&](auto done) { reading.set_value(std::move(done)); });
     EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](auto, auto done) { writing.set_value(std::move(done)); });
-    std::jthread reader{[&] { EXPECT_EQ(control->serialNumber().value(), 7U); }};
+    std::jthread reader{[&] { EXPECT_EQ(control.serialNumber().value(), 7U); }};
     const auto doneReading = reading.get_future().get();
-    std::jthread writer{[&] { EXPECT_FALSE(control->writeSerialNumber(8)); }};
+    std::jthread writer{[&] { EXPECT_FALSE(control.writeSerialNumber(8)); }};
     writing.get_future().get()(std::make_error_code(std::errc::io_error));
     writer.join();
     doneReading(7, {});
@@ -199,7 +171,7 @@ TEST_F(SdkSerialNumberControlTest, KeepsTheControlAliveWhileItWaitsForTheComplet
 {
     std::promise<sdk::Completion<unsigned int>> request;
     EXPECT_CALL(*mock, serialNumber).WillOnce([&](auto done) { request.set_value(std::move(done)); });
-    std::jthread caller{[&] { EXPECT_EQ(control->serialNumber().value(), 7U); }};
+    std::jthread caller{[&] { EXPECT_EQ(control.serialNumber().value(), 7U); }};
     const auto done = request.get_future().get();
     device.drop(Sdk::key);
     const std::weak_ptr<Sdk> life{std::exchange(mock, nullptr)};

@@ -2,7 +2,7 @@
 
 #include <devices/errortermsconversion.h>
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
+#include <support/contractoperations.h>
 #include <support/devicehandle.h>
 #include <support/mocksystemtermscontrol.h>
 #include <support/progresscontract.h>
@@ -49,15 +49,6 @@ vna::ErrorTerms someTerms()
     return terms;
 }
 
-template <class Run>
-auto noResult(Run run)
-{
-    return [run](SdkSystemTermsControl& adapter) {
-        std::invoke(run, adapter);
-        return Outcome::NoResult;
-    };
-}
-
 struct SystemTermsContract {
     using Sdk = sdk::service::ISystemTermsControl;
     using Adapter = SdkSystemTermsControl;
@@ -66,18 +57,9 @@ struct SystemTermsContract {
 
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"frequencyPlan",
-                 [](Adapter& adapter) {
-                     return adapter.frequencyPlan().empty() ? Outcome::Unavailable : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, frequencyPlan).WillByDefault([inside] {
-                         inside();
-                         return sdk::FrequencyPlan{{{1.0, 2.0, 3}}};
-                     });
-                 }},
+        return {frequencyPlanOperation<Adapter, Mock>(),
                 {"requestWriteTerms",
-                 noResult([](Adapter& adapter) { adapter.requestWriteTerms(someTime, 1.0, someTerms()); }),
+                 noResult<Adapter>([](Adapter& adapter) { adapter.requestWriteTerms(someTime, 1.0, someTerms()); }),
                  [](Mock& mock, const Inside& inside) {
                      ON_CALL(mock, writeTerms).WillByDefault(testing::InvokeWithoutArgs(inside));
                  }},
@@ -91,19 +73,14 @@ struct SystemTermsContract {
                          return true;
                      });
                  }},
-                {"requestWriteTerms with a plan",
-                 noResult([](Adapter& adapter) { adapter.requestWriteTerms(someTime, 1.0, somePlan, someTerms()); }),
+                {"requestWriteTerms with a plan", noResult<Adapter>([](Adapter& adapter) {
+                     adapter.requestWriteTerms(someTime, 1.0, somePlan, someTerms());
+                 }),
                  [](Mock& mock, const Inside& inside) {
                      ON_CALL(mock, writeTermsForPlan).WillByDefault(testing::InvokeWithoutArgs(inside));
                  }},
-                {"onControlsAvailable", noResult(&Adapter::onControlsAvailable),
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, addObserver).WillByDefault(testing::InvokeWithoutArgs(inside));
-                 }},
-                {"onControlsAboutToBeReleased", noResult(&Adapter::onControlsAboutToBeReleased),
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, removeObserver).WillByDefault(testing::InvokeWithoutArgs(inside));
-                 }}};
+                attachOperation<Adapter, Mock>(),
+                detachOperation<Adapter, Mock>()};
     }
 };
 

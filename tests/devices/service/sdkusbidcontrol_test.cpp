@@ -3,6 +3,7 @@
 #include <devices/icontrollifecycleobserver.h>
 #include <sdk/models.h>
 #include <support/adaptercontract.h>
+#include <support/adaptertest.h>
 #include <support/errorcategory.h>
 #include <support/mockmemoryusbidcontrol.h>
 #include <support/virtualslot.h>
@@ -107,15 +108,7 @@ struct UsbIdContract {
 INSTANTIATE_TYPED_TEST_SUITE_P(UsbId, AdapterContract, UsbIdContract);
 
 /// A device with a USB identity whose every call must be expected.
-class SdkMemoryUsbIdTest : public testing::Test {
-protected:
-    SdkMemoryUsbIdTest() { device.offer<Sdk>(Sdk::key, mock); }
-
-    FakeVna device;
-    std::shared_ptr<StrictMock<MockMemoryUsbIdControl>> mock = std::make_shared<StrictMock<MockMemoryUsbIdControl>>();
-    SdkMemoryUsbId control{
-        ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }}};
-};
+class SdkMemoryUsbIdTest : public AdapterTest<Sdk, SdkMemoryUsbId, StrictMock<MockMemoryUsbIdControl>> { };
 
 TEST_F(SdkMemoryUsbIdTest, WithoutAControlTheCurrentDeviceIsTheDefaultRecord)
 {

@@ -1,8 +1,8 @@
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
-#include <support/devicehandle.h>
+#include <support/adaptertest.h>
+#include <support/contractoperations.h>
 #include <support/mockvellfactorypowercalibrationcontrol.h>
 
 #include <gmock/gmock.h>
@@ -49,21 +49,9 @@ struct PowerContract {
 
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"frequencyPlan",
-                 [](Adapter& adapter) {
-                     return adapter.frequencyPlan().empty() ? Outcome::Unavailable : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, frequencyPlan).WillByDefault([inside] {
-                         inside();
-                         return sdk::FrequencyPlan{{{1.0, 2.0, 3}}};
-                     });
-                 }},
+        return {frequencyPlanOperation<Adapter, Mock>(),
                 {"saveCalibrationData",
-                 [](Adapter& adapter) {
-                     adapter.saveCalibrationData({}, 0.0, {});
-                     return Outcome::NoResult;
-                 },
+                 noResult<Adapter>([](Adapter& adapter) { adapter.saveCalibrationData({}, 0.0, {}); }),
                  [](Mock& mock, const Inside& inside) {
                      ON_CALL(mock, saveCalibrationData).WillByDefault(testing::InvokeWithoutArgs(inside));
                  }}};
@@ -72,16 +60,8 @@ struct PowerContract {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(FactoryPower, AdapterContract, PowerContract);
 
-class SdkVellFactoryPowerCalibrationControlTest : public testing::Test {
-protected:
-    FakeVna device;
-    std::shared_ptr<StrictMock<MockVellFactoryPowerCalibrationControl>> mock
-        = std::make_shared<StrictMock<MockVellFactoryPowerCalibrationControl>>();
-    Control control{[this] {
-        device.offer<Sdk>(Sdk::key, mock);
-        return handleTo<Sdk>(device, Sdk::key);
-    }()};
-};
+class SdkVellFactoryPowerCalibrationControlTest
+    : public AdapterTest<Sdk, Control, StrictMock<MockVellFactoryPowerCalibrationControl>> { };
 
 TEST_F(SdkVellFactoryPowerCalibrationControlTest, ConvertsTheFrequencyPlanSegmentBySegment)
 {

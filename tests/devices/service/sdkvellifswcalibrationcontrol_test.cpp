@@ -1,8 +1,8 @@
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
 
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
-#include <support/devicehandle.h>
+#include <support/adaptertest.h>
+#include <support/contractoperations.h>
 #include <support/mockvellifswcalibrationcontrol.h>
 
 #include <gmock/gmock.h>
@@ -48,21 +48,8 @@ struct IfswContract {
 
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"frequencyPlan",
-                 [](Adapter& adapter) {
-                     return adapter.frequencyPlan().empty() ? Outcome::Unavailable : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, frequencyPlan).WillByDefault([inside] {
-                         inside();
-                         return sdk::FrequencyPlan{{{1.0, 2.0, 3}}};
-                     });
-                 }},
-                {"saveCalibrationData",
-                 [](Adapter& adapter) {
-                     adapter.saveCalibrationData({});
-                     return Outcome::NoResult;
-                 },
+        return {frequencyPlanOperation<Adapter, Mock>(),
+                {"saveCalibrationData", noResult<Adapter>([](Adapter& adapter) { adapter.saveCalibrationData({}); }),
                  [](Mock& mock, const Inside& inside) {
                      ON_CALL(mock, saveCalibrationData).WillByDefault(testing::InvokeWithoutArgs(inside));
                  }}};
@@ -71,7 +58,7 @@ struct IfswContract {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Ifsw, AdapterContract, IfswContract);
 
-class SdkVellIfswCalibrationControlTest : public testing::Test {
+class SdkVellIfswCalibrationControlTest : public AdapterTest<Sdk, Control, StrictMock<MockVellIfswCalibrationControl>> {
 protected:
     /// What the SDK gets when `data` is saved.
     Sdk::IfswCalibrationData save(Data data)
@@ -83,14 +70,6 @@ protected:
         control.saveCalibrationData(std::move(data));
         return saved;
     }
-
-    FakeVna device;
-    std::shared_ptr<StrictMock<MockVellIfswCalibrationControl>> mock
-        = std::make_shared<StrictMock<MockVellIfswCalibrationControl>>();
-    Control control{[this] {
-        device.offer<Sdk>(Sdk::key, mock);
-        return handleTo<Sdk>(device, Sdk::key);
-    }()};
 };
 
 TEST_F(SdkVellIfswCalibrationControlTest, ConvertsTheFrequencyPlanSegmentBySegment)
