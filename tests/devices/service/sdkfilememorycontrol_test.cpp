@@ -1,17 +1,15 @@
 #include <devices/service/sdkfilememorycontrol.h>
 
 #include <devices/icontrollifecycleobserver.h>
-#include <support/adaptercontract.h>
 #include <support/errorcategory.h>
 #include <support/mockfilememorycontrol.h>
+#include <support/requestcontract.h>
 #include <support/virtualslot.h>
 
 #include <gmock/gmock.h>
 
-#include <future>
 #include <limits>
 #include <string>
-#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -44,77 +42,55 @@ static_assert(std::is_trivially_copyable_v<IFileMemoryControl::SpaceInfo>);
 const IFileMemoryControl::FileInfo aFile{QStringLiteral("a"), 1};
 const QString unavailable = QStringLiteral("File memory control is unavailable");
 
-template <class T>
-Outcome outcome(const std::expected<T, QString>& result)
-{
-    return !result && result.error() == unavailable ? Outcome::Unavailable : Outcome::Answered;
-}
-
 struct FileMemoryContract {
     using Sdk = sdk::service::IFileMemoryControl;
     using Adapter = SdkFileMemoryControl;
     using Mock = NiceMock<MockFileMemoryControl>;
     using Inside = std::function<void()>;
 
+    static std::vector<Request<Adapter, Mock>> requests()
+    {
+        return {
+            {"fileList", [](Adapter& adapter) { return adapter.fileList().has_value(); },
+             [](Mock& mock, const Take& take) {
+                 ON_CALL(mock, fileList).WillByDefault([take](const auto& done) { take(endOf(done)); });
+             }},
+            {"spaceInfo", [](Adapter& adapter) { return adapter.spaceInfo().has_value(); },
+             [](Mock& mock, const Take& take) {
+                 ON_CALL(mock, spaceInfo).WillByDefault([take](const auto& done) { take(endOf(done)); });
+             }},
+            {"readFile", [](Adapter& adapter) { return adapter.readFile(aFile).has_value(); },
+             [](Mock& mock, const Take& take) {
+                 ON_CALL(mock, readFile).WillByDefault([take](const auto&, const auto& done) { take(endOf(done)); });
+             }},
+            {"writeFile", [](Adapter& adapter) { return adapter.writeFile(QStringLiteral("a"), "b").has_value(); },
+             [](Mock& mock, const Take& take) { ON_CALL(mock, writeFile).WillByDefault(testing::WithArg<2>(take)); }},
+            {"deleteFile", [](Adapter& adapter) { return adapter.deleteFile(aFile).has_value(); },
+             [](Mock& mock, const Take& take) { ON_CALL(mock, deleteFile).WillByDefault(testing::WithArg<1>(take)); }}};
+    }
+
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"fileList", [](Adapter& adapter) { return outcome(adapter.fileList()); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, fileList).WillByDefault([inside](const auto& done) { answer(inside, done, {}); });
-                 }},
-                {"spaceInfo", [](Adapter& adapter) { return outcome(adapter.spaceInfo()); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, spaceInfo).WillByDefault([inside](const auto& done) { answer(inside, done, {}); });
-                 }},
-                {"readFile", [](Adapter& adapter) { return outcome(adapter.readFile(aFile)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, readFile).WillByDefault([inside](const auto&, const auto& done) {
-                         answer(inside, done, {});
-                     });
-                 }},
-                {"writeFile", [](Adapter& adapter) { return outcome(adapter.writeFile(QStringLiteral("a"), "b")); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, writeFile).WillByDefault([inside](const auto&, const auto&, const auto& done) {
-                         answer(inside, done);
-                     });
-                 }},
-                {"deleteFile", [](Adapter& adapter) { return outcome(adapter.deleteFile(aFile)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, deleteFile).WillByDefault([inside](const auto&, const auto& done) {
-                         answer(inside, done);
-                     });
-                 }},
-                {"fileList, while it asks whether the memory is available",
-                 [](Adapter& adapter) { return outcome(adapter.fileList()); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, isAvailable).WillByDefault([inside] {
-                         inside();
-                         return true;
-                     });
-                     ON_CALL(mock, fileList).WillByDefault([](const auto& done) { done({}, {}); });
-                 }}};
-    }
-
-private:
-    static void answer(const Inside& inside, const sdk::Completion<>& done)
-    {
-        inside();
-        done({});
-    }
-
-    template <class Value>
-    static void answer(const Inside& inside, const std::function<void(Value, std::error_code)>& done,
-                       std::type_identity_t<Value> value)
-    {
-        inside();
-        done(std::move(value), {});
+        auto operations = asOperations(requests());
+        operations.push_back(
+            {"fileList, while it asks whether the memory is available",
+             [](Adapter& adapter) { return adapter.fileList() ? Outcome::Answered : Outcome::Unavailable; },
+             [](Mock& mock, const Inside& inside) {
+                 ON_CALL(mock, isAvailable).WillByDefault([inside] {
+                     inside();
+                     return true;
+                 });
+                 ON_CALL(mock, fileList).WillByDefault([](const auto& done) { done({}, {}); });
+             }});
+        return operations;
     }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(FileMemory, AdapterContract, FileMemoryContract);
+INSTANTIATE_TYPED_TEST_SUITE_P(FileMemory, RequestContract, FileMemoryContract);
 
 /// A device with a file memory whose every call must be expected.
-class SdkFileMemoryControlTest : public testing::Test {
+class SdkFileMemoryControlTest : public AdapterTest<Sdk, SdkFileMemoryControl, StrictMock<MockFileMemoryControl>> {
 protected:
     SdkFileMemoryControlTest() { device.offer<Sdk>(Sdk::key, mock); }
 
@@ -130,11 +106,6 @@ protected:
         return {error(control.fileList()), error(control.spaceInfo()), error(control.readFile(aFile)),
                 error(control.writeFile(QStringLiteral("a"), "b")), error(control.deleteFile(aFile))};
     }
-
-    FakeVna device;
-    std::shared_ptr<StrictMock<MockFileMemoryControl>> mock = std::make_shared<StrictMock<MockFileMemoryControl>>();
-    SdkFileMemoryControl control{
-        ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }}};
 };
 
 TEST_F(SdkFileMemoryControlTest, SaysInEveryOperationThatADroppedControlIsUnavailable)
@@ -274,39 +245,6 @@ TEST_F(SdkFileMemoryControlTest, WritesAnEmptyFileAsAnEmptyVector)
         .WillRepeatedly([](const auto&, const auto&, const auto& done) { done({}); });
     EXPECT_TRUE(control.writeFile(QStringLiteral("n"), QByteArray{}));
     EXPECT_TRUE(control.writeFile(QStringLiteral("n"), QByteArray{""}));
-}
-
-TEST_F(SdkFileMemoryControlTest, KeepsTheControlAliveWhileItWaitsForTheCompletion)
-{
-    std::promise<sdk::Completion<Bytes>> request;
-    expectAvailable();
-    EXPECT_CALL(*mock, readFile).WillOnce([&](const auto&, auto done) { request.set_value(std::move(done)); });
-    std::jthread caller{[&] { EXPECT_EQ(control.readFile(aFile).value(), QByteArray{"x"}); }};
-    {
-        const auto done = request.get_future().get();
-        device.drop(Sdk::key);
-        const std::weak_ptr<MockFileMemoryControl> life{std::exchange(mock, nullptr)};
-        EXPECT_FALSE(life.expired());
-        done({'x'}, {});
-        caller.join();
-        EXPECT_TRUE(life.expired());
-    }
-}
-
-TEST_F(SdkFileMemoryControlTest, KeepsTwoOutstandingRequestsApartThatCompleteInTheOtherOrder)
-{
-    std::promise<sdk::Completion<Bytes>> first;
-    std::promise<sdk::Completion<Bytes>> second;
-    const auto named = [](const char* name) { return testing::Field(&Sdk::FileInfo::name, name); };
-    EXPECT_CALL(*mock, isAvailable).Times(2).WillRepeatedly(Return(true));
-    EXPECT_CALL(*mock, readFile(named("1"), _)).WillOnce([&](const auto&, auto done) { first.set_value(done); });
-    EXPECT_CALL(*mock, readFile(named("2"), _)).WillOnce([&](const auto&, auto done) { second.set_value(done); });
-    std::jthread one{[&] { EXPECT_EQ(control.readFile({QStringLiteral("1"), 0}).value(), QByteArray{"one"}); }};
-    std::jthread two{[&] { EXPECT_EQ(control.readFile({QStringLiteral("2"), 0}).value(), QByteArray{"two"}); }};
-    const auto doneFirst = first.get_future().get();
-    const auto doneSecond = second.get_future().get();
-    doneSecond({'t', 'w', 'o'}, {});
-    doneFirst({'o', 'n', 'e'}, {});
 }
 
 TEST(SdkFileMemoryInterface, HasItsOperationsInTheOrderOfTheSdk)

@@ -1,6 +1,7 @@
 #include <devices/service/sdkloleakagecontrol.h>
 
 #include <support/adaptercontract.h>
+#include <support/devicehandle.h>
 #include <support/mockloleakagecontrol.h>
 #include <support/virtualslot.h>
 
@@ -54,10 +55,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(LoLeakage, AdapterContract, LoLeakageContract);
 
 class SdkLoLeakageControlTest : public testing::Test {
 protected:
-    ReacquiringControl<Sdk> handle()
-    {
-        return ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{device.control<Sdk>(Sdk::key)}; }};
-    }
+    ReacquiringControl<Sdk> handle() { return handleTo<Sdk>(device, Sdk::key); }
 
     FakeVna device;
     std::shared_ptr<StrictMock<MockLoLeakageControl>> mock = std::make_shared<StrictMock<MockLoLeakageControl>>();

@@ -3,9 +3,9 @@
 #include <devices/icontrollifecycleobserver.h>
 #include <support/adaptertest.h>
 #include <support/contractoperations.h>
-#include <support/errorcategory.h>
 #include <support/mockmemoryoperationscontrol.h>
 #include <support/progresscontract.h>
+#include <support/requestcontract.h>
 #include <support/virtualslot.h>
 
 #include <gmock/gmock.h>
@@ -37,49 +37,36 @@ static_assert(sizeof(SdkMemoryOperationsControl) == 3 * sizeof(void*) + sizeof(R
               "two bases, the handle, the observer");
 static_assert(static_cast<int>(Error::Failed) == 0);
 
-template <class T>
-Outcome outcome(const std::expected<T, Error>& result)
-{
-    return result ? Outcome::Answered : Outcome::Unavailable;
-}
-
 struct MemoryOperationsContract {
     using Sdk = sdk::service::IMemoryOperationsControl;
     using Adapter = SdkMemoryOperationsControl;
     using Mock = NiceMock<MockMemoryOperationsControl>;
-    using Inside = std::function<void()>;
+
+    static std::vector<Request<Adapter, Mock>> requests()
+    {
+        return {{"read", [](Adapter& adapter) { return hasSucceeded(adapter.read()); },
+                 [](Mock& mock, const Take& take) {
+                     ON_CALL(mock, read).WillByDefault([take](const auto& done) { take(endOf(done, Image(3))); });
+                 }},
+                {"write", [](Adapter& adapter) { return hasSucceeded(adapter.write({})); },
+                 [](Mock& mock, const Take& take) { ON_CALL(mock, write).WillByDefault(testing::WithArg<1>(take)); }},
+                {"erase", [](Adapter& adapter) { return hasSucceeded(adapter.erase()); },
+                 [](Mock& mock, const Take& take) { ON_CALL(mock, erase).WillByDefault(take); }},
+                {"integrityCheck", [](Adapter& adapter) { return hasSucceeded(adapter.integrityCheck()); },
+                 [](Mock& mock, const Take& take) { ON_CALL(mock, integrityCheck).WillByDefault(take); }}};
+    }
 
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        const auto answer = [](const Inside& inside) {
-            return [inside](const sdk::Completion<>& done) {
-                inside();
-                done({});
-            };
-        };
-        return {{"read", [](Adapter& adapter) { return outcome(adapter.read()); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, read).WillByDefault([inside](const auto& done) {
-                         inside();
-                         done({}, {});
-                     });
-                 }},
-                {"write", [](Adapter& adapter) { return outcome(adapter.write({})); },
-                 [answer](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, write).WillByDefault(testing::WithArg<1>(answer(inside)));
-                 }},
-                {"erase", [](Adapter& adapter) { return outcome(adapter.erase()); },
-                 [answer](Mock& mock, const Inside& inside) { ON_CALL(mock, erase).WillByDefault(answer(inside)); }},
-                {"integrityCheck", [](Adapter& adapter) { return outcome(adapter.integrityCheck()); },
-                 [answer](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, integrityCheck).WillByDefault(answer(inside));
-                 }},
-                attachOperation<Adapter, Mock>(),
-                detachOperation<Adapter, Mock>()};
+        auto operations = asOperations(requests());
+        operations.push_back(attachOperation<Adapter, Mock>());
+        operations.push_back(detachOperation<Adapter, Mock>());
+        return operations;
     }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(MemoryOperations, AdapterContract, MemoryOperationsContract);
+INSTANTIATE_TYPED_TEST_SUITE_P(MemoryOperations, RequestContract, MemoryOperationsContract);
 
 /// Tells what it hears together with the operation that it hears about.
 struct AnyProgressListener final : IMemoryOperationsControl::IObserver {
@@ -184,29 +171,6 @@ TEST_F(SdkMemoryOperationsControlTest, EveryOperationMakesItsOwnRequestAndNoOthe
     EXPECT_TRUE(control.read());
 }
 
-TEST_F(SdkMemoryOperationsControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnNoOther)
-{
-    const ErrorCategory strange{"strange"};
-    for (const auto code : {strange.code(0), strange.code(1), strange.code(-1), std::error_code{},
-                            std::make_error_code(std::errc::io_error)}) {
-        EXPECT_CALL(*mock, read).WillOnce([&](const auto& done) { done(Image(3), code); });
-        EXPECT_CALL(*mock, write).WillOnce([&](const auto&, const auto& done) { done(code); });
-        EXPECT_CALL(*mock, erase).WillOnce([&](const auto& done) { done(code); });
-        EXPECT_CALL(*mock, integrityCheck).WillOnce([&](const auto& done) { done(code); });
-        const auto read = control.read();
-        EXPECT_EQ(read.has_value(), code.value() == 0);
-        if (!read) {
-            EXPECT_EQ(read.error(), Error::Failed);
-        }
-        for (const auto& result : {control.write(Image(3)), control.erase(), control.integrityCheck()}) {
-            EXPECT_EQ(result.has_value(), code.value() == 0);
-            if (!result) {
-                EXPECT_EQ(result.error(), Error::Failed);
-            }
-        }
-    }
-}
-
 TEST_F(SdkMemoryOperationsControlTest, ForwardsProgressWhileTheCallerWaitsWhicheverOperationItIsOf)
 {
     AnyProgressListener listener;
@@ -239,34 +203,6 @@ TEST_F(SdkMemoryOperationsControlTest, ForwardsProgressWhileTheCallerWaitsWhiche
                 ElementsAre(std::pair{'e', Progress{512, 0}}, std::pair{'r', Progress{2, 1}},
                             std::pair{'e', Progress{512, 512}}));
     EXPECT_EQ(heardOn, sdkThread.get_id());
-}
-
-TEST_F(SdkMemoryOperationsControlTest, KeepsTwoOutstandingRequestsApartThatCompleteInTheOtherOrder)
-{
-    std::promise<sdk::Completion<Image>> reading;
-    std::promise<sdk::Completion<>> writing;
-    EXPECT_CALL(*mock, read).WillOnce([&](auto done) { reading.set_value(std::move(done)); });
-    EXPECT_CALL(*mock, write).WillOnce([&](const auto&, auto done) { writing.set_value(std::move(done)); });
-    std::jthread reader{[&] { EXPECT_EQ(control.read().value(), Image(3)); }};
-    const auto doneReading = reading.get_future().get();
-    std::jthread writer{[&] { EXPECT_FALSE(control.write(Image(4))); }};
-    writing.get_future().get()(std::make_error_code(std::errc::io_error));
-    writer.join(); // returns although the read is still outstanding
-    doneReading(Image(3), {});
-}
-
-TEST_F(SdkMemoryOperationsControlTest, KeepsTheControlAliveWhileItWaitsForTheCompletion)
-{
-    std::promise<sdk::Completion<>> request;
-    EXPECT_CALL(*mock, erase).WillOnce([&](auto done) { request.set_value(std::move(done)); });
-    std::jthread caller{[&] { EXPECT_TRUE(control.erase()); }};
-    const auto done = request.get_future().get();
-    device.drop(Sdk::key);
-    const std::weak_ptr<Sdk> life{std::exchange(mock, nullptr)};
-    EXPECT_FALSE(life.expired());
-    done({});
-    caller.join();
-    EXPECT_TRUE(life.expired());
 }
 
 TEST(SdkMemoryOperationsInterface, HasItsOperationsInTheOrderOfTheSdk)

@@ -3,8 +3,8 @@
 #include <devices/icontrollifecycleobserver.h>
 #include <support/adaptercontract.h>
 #include <support/adaptertest.h>
-#include <support/errorcategory.h>
 #include <support/mockpotentiometerscontrol.h>
+#include <support/requestcontract.h>
 #include <support/virtualslot.h>
 
 #include <gmock/gmock.h>
@@ -53,55 +53,46 @@ static_assert(isTheDescription<Sdk::Potentiometer> && isTheDescription<Potentiom
 constexpr auto lowest = std::numeric_limits<int>::min();
 constexpr auto highest = std::numeric_limits<int>::max();
 
-template <class T>
-Outcome outcome(const std::expected<T, Error>& result)
-{
-    return result ? Outcome::Answered : Outcome::Unavailable;
-}
-
 struct PotentiometersContract {
     using Sdk = sdk::service::IPotentiometersControl;
     using Adapter = SdkPotentiometersControl;
     using Mock = NiceMock<MockPotentiometersControl>;
     using Inside = std::function<void()>;
 
+    static std::vector<Request<Adapter, Mock>> requests()
+    {
+        return {
+            {"readFromEeprom", [](Adapter& adapter) { return hasSucceeded(adapter.readFromEeprom(0)); },
+             [](Mock& mock, const Take& take) {
+                 ON_CALL(mock, readFromEeprom).WillByDefault([take](auto, const auto& done) { take(endOf(done, 7)); });
+             }},
+            {"writeToRam", [](Adapter& adapter) { return hasSucceeded(adapter.writeToRam(0, 1)); },
+             [](Mock& mock, const Take& take) { ON_CALL(mock, writeToRam).WillByDefault(testing::WithArg<2>(take)); }},
+            {"writeToEeprom", [](Adapter& adapter) { return hasSucceeded(adapter.writeToEeprom(0, 1)); },
+             [](Mock& mock, const Take& take) {
+                 ON_CALL(mock, writeToEeprom).WillByDefault(testing::WithArg<2>(take));
+             }}};
+    }
+
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"potentiometers",
-                 [](Adapter& adapter) {
-                     return adapter.potentiometers().empty() ? Outcome::Unavailable : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, potentiometers).WillByDefault([inside] {
-                         inside();
-                         return std::vector<Sdk::Potentiometer>(1);
-                     });
-                 }},
-                {"readFromEeprom", [](Adapter& adapter) { return outcome(adapter.readFromEeprom(0)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, readFromEeprom).WillByDefault([inside](auto, const auto& done) {
-                         inside();
-                         done(1, {});
-                     });
-                 }},
-                {"writeToRam", [](Adapter& adapter) { return outcome(adapter.writeToRam(0, 1)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, writeToRam).WillByDefault([inside](auto, auto, const auto& done) {
-                         inside();
-                         done({});
-                     });
-                 }},
-                {"writeToEeprom", [](Adapter& adapter) { return outcome(adapter.writeToEeprom(0, 1)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, writeToEeprom).WillByDefault([inside](auto, auto, const auto& done) {
-                         inside();
-                         done({});
-                     });
-                 }}};
+        auto operations = asOperations(requests());
+        operations.push_back({"potentiometers",
+                              [](Adapter& adapter) {
+                                  return adapter.potentiometers().empty() ? Outcome::Unavailable : Outcome::Answered;
+                              },
+                              [](Mock& mock, const Inside& inside) {
+                                  ON_CALL(mock, potentiometers).WillByDefault([inside] {
+                                      inside();
+                                      return std::vector<Sdk::Potentiometer>(1);
+                                  });
+                              }});
+        return operations;
     }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Potentiometers, AdapterContract, PotentiometersContract);
+INSTANTIATE_TYPED_TEST_SUITE_P(Potentiometers, RequestContract, PotentiometersContract);
 
 /// A device with potentiometers whose every call must be expected.
 class SdkPotentiometersControlTest
@@ -167,43 +158,6 @@ TEST_F(SdkPotentiometersControlTest, CarriesEveryIndexAndValueUnchanged)
             EXPECT_TRUE(control.writeToEeprom(index, value));
         }
     }
-}
-
-TEST_F(SdkPotentiometersControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnNoOther)
-{
-    const ErrorCategory strange{"strange"};
-    for (const auto code : {strange.code(0), strange.code(1), strange.code(-1), std::error_code{},
-                            std::make_error_code(std::errc::invalid_argument)}) {
-        EXPECT_CALL(*mock, readFromEeprom).WillOnce([&](auto, const auto& done) { done(7, code); });
-        EXPECT_CALL(*mock, writeToRam).WillOnce([&](auto, auto, const auto& done) { done(code); });
-        EXPECT_CALL(*mock, writeToEeprom).WillOnce([&](auto, auto, const auto& done) { done(code); });
-        const bool fine = code.value() == 0;
-        const auto read = control.readFromEeprom(0);
-        const auto ram = control.writeToRam(0, 1);
-        const auto eeprom = control.writeToEeprom(0, 1);
-        EXPECT_EQ(read.has_value(), fine);
-        EXPECT_EQ(ram.has_value(), fine);
-        EXPECT_EQ(eeprom.has_value(), fine);
-        if (!fine) {
-            EXPECT_EQ(read.error(), Error::Failed);
-            EXPECT_EQ(ram.error(), Error::Failed);
-            EXPECT_EQ(eeprom.error(), Error::Failed);
-        }
-    }
-}
-
-TEST_F(SdkPotentiometersControlTest, KeepsTwoOutstandingRequestsApartThatCompleteInTheOtherOrder)
-{
-    std::promise<sdk::Completion<int>> first;
-    std::promise<sdk::Completion<int>> second;
-    EXPECT_CALL(*mock, readFromEeprom(1, _)).WillOnce([&](auto, auto done) { first.set_value(std::move(done)); });
-    EXPECT_CALL(*mock, readFromEeprom(2, _)).WillOnce([&](auto, auto done) { second.set_value(std::move(done)); });
-    std::jthread one{[&] { EXPECT_EQ(control.readFromEeprom(1).value(), 10); }};
-    const auto doneFirst = first.get_future().get();
-    std::jthread two{[&] { EXPECT_EQ(control.readFromEeprom(2).value(), 20); }};
-    second.get_future().get()(20, {});
-    two.join(); // returns although the first is still outstanding
-    doneFirst(10, {});
 }
 
 TEST_F(SdkPotentiometersControlTest, ListsWhileARequestIsOutstanding)

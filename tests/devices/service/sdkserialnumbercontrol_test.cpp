@@ -3,14 +3,13 @@
 #include <devices/icontrollifecycleobserver.h>
 #include <support/adaptertest.h>
 #include <support/contractoperations.h>
-#include <support/errorcategory.h>
 #include <support/mockmemoryserialnumbercontrol.h>
 #include <support/progresscontract.h>
+#include <support/requestcontract.h>
 #include <support/virtualslot.h>
 
 #include <gmock/gmock.h>
 
-#include <future>
 #include <limits>
 #include <thread>
 #include <type_traits>
@@ -38,40 +37,34 @@ static_assert(sizeof(unsigned int) == 4);
 
 constexpr auto greatest = std::numeric_limits<unsigned int>::max();
 
-template <class T>
-Outcome outcome(const std::expected<T, Error>& result)
-{
-    return result ? Outcome::Answered : Outcome::Unavailable;
-}
-
 struct SerialNumberContract {
     using Sdk = sdk::service::IMemorySerialNumberControl;
     using Adapter = SdkSerialNumberControl;
     using Mock = NiceMock<MockMemorySerialNumberControl>;
-    using Inside = std::function<void()>;
+
+    static std::vector<Request<Adapter, Mock>> requests()
+    {
+        return {{"serialNumber", [](Adapter& adapter) { return hasSucceeded(adapter.serialNumber()); },
+                 [](Mock& mock, const Take& take) {
+                     ON_CALL(mock, serialNumber).WillByDefault([take](const auto& done) { take(endOf(done, 7)); });
+                 }},
+                {"writeSerialNumber", [](Adapter& adapter) { return hasSucceeded(adapter.writeSerialNumber(1)); },
+                 [](Mock& mock, const Take& take) {
+                     ON_CALL(mock, writeSerialNumber).WillByDefault(testing::WithArg<1>(take));
+                 }}};
+    }
 
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"serialNumber", [](Adapter& adapter) { return outcome(adapter.serialNumber()); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, serialNumber).WillByDefault([inside](const auto& done) {
-                         inside();
-                         done(1, {});
-                     });
-                 }},
-                {"writeSerialNumber", [](Adapter& adapter) { return outcome(adapter.writeSerialNumber(1)); },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, writeSerialNumber).WillByDefault([inside](auto, const auto& done) {
-                         inside();
-                         done({});
-                     });
-                 }},
-                attachOperation<Adapter, Mock>(),
-                detachOperation<Adapter, Mock>()};
+        auto operations = asOperations(requests());
+        operations.push_back(attachOperation<Adapter, Mock>());
+        operations.push_back(detachOperation<Adapter, Mock>());
+        return operations;
     }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(SerialNumber, AdapterContract, SerialNumberContract);
+INSTANTIATE_TYPED_TEST_SUITE_P(SerialNumber, RequestContract, SerialNumberContract);
 
 struct SerialNumberProgress {
     using Sdk = sdk::service::IMemorySerialNumberControl;
@@ -112,24 +105,6 @@ TEST_F(SdkSerialNumberControlTest, WritesEveryNumberUnchanged)
     }
 }
 
-TEST_F(SdkSerialNumberControlTest, FailsOnEveryCodeWhoseValueIsNotZeroAndOnNoOther)
-{
-    const ErrorCategory strange{"strange"};
-    for (const auto code : {strange.code(0), strange.code(1), strange.code(-1), std::error_code{},
-                            std::make_error_code(std::errc::io_error)}) {
-        EXPECT_CALL(*mock, serialNumber).WillOnce([&](const auto& done) { done(7, code); });
-        EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](auto, const auto& done) { done(code); });
-        const auto read = control.serialNumber();
-        const auto written = control.writeSerialNumber(7);
-        EXPECT_EQ(read.has_value(), code.value() == 0);
-        EXPECT_EQ(written.has_value(), code.value() == 0);
-        if (code.value() != 0) {
-            EXPECT_EQ(read.error(), Error::Failed);
-            EXPECT_EQ(written.error(), Error::Failed);
-        }
-    }
-}
-
 TEST_F(SdkSerialNumberControlTest, ForwardsTheProgressOfAWriteWhileTheCallerWaits)
 {
     SerialNumberProgress::Listener listener;
@@ -151,34 +126,6 @@ TEST_F(SdkSerialNumberControlTest, ForwardsTheProgressOfAWriteWhileTheCallerWait
     EXPECT_TRUE(control.writeSerialNumber(7));
     EXPECT_THAT(heard, testing::ElementsAre(Progress{2, 0}, Progress{2, 2}));
     EXPECT_EQ(heardOn, sdkThread.get_id());
-}
-
-TEST_F(SdkSerialNumberControlTest, KeepsTwoOutstandingRequestsApartThatCompleteInTheOtherOrder)
-{
-    std::promise<sdk::Completion<unsigned int>> reading;
-    std::promise<sdk::Completion<>> writing;
-    EXPECT_CALL(*mock, serialNumber).WillOnce([&](auto done) { reading.set_value(std::move(done)); });
-    EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](auto, auto done) { writing.set_value(std::move(done)); });
-    std::jthread reader{[&] { EXPECT_EQ(control.serialNumber().value(), 7U); }};
-    const auto doneReading = reading.get_future().get();
-    std::jthread writer{[&] { EXPECT_FALSE(control.writeSerialNumber(8)); }};
-    writing.get_future().get()(std::make_error_code(std::errc::io_error));
-    writer.join();
-    doneReading(7, {});
-}
-
-TEST_F(SdkSerialNumberControlTest, KeepsTheControlAliveWhileItWaitsForTheCompletion)
-{
-    std::promise<sdk::Completion<unsigned int>> request;
-    EXPECT_CALL(*mock, serialNumber).WillOnce([&](auto done) { request.set_value(std::move(done)); });
-    std::jthread caller{[&] { EXPECT_EQ(control.serialNumber().value(), 7U); }};
-    const auto done = request.get_future().get();
-    device.drop(Sdk::key);
-    const std::weak_ptr<Sdk> life{std::exchange(mock, nullptr)};
-    EXPECT_FALSE(life.expired());
-    done(7, {});
-    caller.join();
-    EXPECT_TRUE(life.expired());
 }
 
 TEST(SdkSerialNumberInterface, HasItsOperationsInTheOrderOfTheSdk)

@@ -4,15 +4,13 @@
 #include <sdk/models.h>
 #include <support/adaptercontract.h>
 #include <support/adaptertest.h>
-#include <support/errorcategory.h>
 #include <support/mockmemoryusbidcontrol.h>
+#include <support/requestcontract.h>
 #include <support/virtualslot.h>
 
 #include <gmock/gmock.h>
 
 #include <cstddef>
-#include <future>
-#include <thread>
 #include <type_traits>
 #include <vector>
 
@@ -71,41 +69,44 @@ struct UsbIdContract {
     using Mock = NiceMock<MockMemoryUsbIdControl>;
     using Inside = std::function<void()>;
 
+    static std::vector<Request<Adapter, Mock>> requests()
+    {
+        return {
+            {"writeUsbId", [](Adapter& adapter) { return adapter.writeUsbId({}); },
+             [](Mock& mock, const Take& take) { ON_CALL(mock, writeUsbId).WillByDefault(testing::WithArg<1>(take)); }}};
+    }
+
     static std::vector<Operation<Adapter, Mock>> operations()
     {
-        return {{"currentDeviceProperties",
-                 [](Adapter& adapter) {
-                     return adapter.currentDeviceProperties() == Properties{} ? Outcome::Unavailable
-                                                                              : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, currentDevice).WillByDefault([inside, &mock] {
-                         inside();
-                         return mock.device;
-                     });
-                 }},
-                {"supportedDevices",
-                 [](Adapter& adapter) {
-                     return adapter.supportedDevices().empty() ? Outcome::Unavailable : Outcome::Answered;
-                 },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, supportedDevices).WillByDefault([inside, &mock] {
-                         inside();
-                         return std::vector{mock.device};
-                     });
-                 }},
-                {"writeUsbId",
-                 [](Adapter& adapter) { return adapter.writeUsbId({}) ? Outcome::Answered : Outcome::Unavailable; },
-                 [](Mock& mock, const Inside& inside) {
-                     ON_CALL(mock, writeUsbId).WillByDefault([inside](const auto&, const auto& done) {
-                         inside();
-                         done({});
-                     });
-                 }}};
+        auto operations = asOperations(requests());
+        operations.insert(operations.end(),
+                          {{"currentDeviceProperties",
+                            [](Adapter& adapter) {
+                                return adapter.currentDeviceProperties() == Properties{} ? Outcome::Unavailable
+                                                                                         : Outcome::Answered;
+                            },
+                            [](Mock& mock, const Inside& inside) {
+                                ON_CALL(mock, currentDevice).WillByDefault([inside, &mock] {
+                                    inside();
+                                    return mock.device;
+                                });
+                            }},
+                           {"supportedDevices",
+                            [](Adapter& adapter) {
+                                return adapter.supportedDevices().empty() ? Outcome::Unavailable : Outcome::Answered;
+                            },
+                            [](Mock& mock, const Inside& inside) {
+                                ON_CALL(mock, supportedDevices).WillByDefault([inside, &mock] {
+                                    inside();
+                                    return std::vector{mock.device};
+                                });
+                            }}});
+        return operations;
     }
 };
 
 INSTANTIATE_TYPED_TEST_SUITE_P(UsbId, AdapterContract, UsbIdContract);
+INSTANTIATE_TYPED_TEST_SUITE_P(UsbId, RequestContract, UsbIdContract);
 
 /// A device with a USB identity whose every call must be expected.
 class SdkMemoryUsbIdTest : public AdapterTest<Sdk, SdkMemoryUsbId, StrictMock<MockMemoryUsbIdControl>> { };
@@ -181,34 +182,6 @@ TEST_F(SdkMemoryUsbIdTest, WritesTheIdentityAsItIsListed)
         done({});
     });
     EXPECT_TRUE(control.writeUsbId(control.supportedDevices().at(0).usbId));
-}
-
-TEST_F(SdkMemoryUsbIdTest, AWriteIsDoneExactlyWhenTheValueOfTheCodeIsZero)
-{
-    const ErrorCategory strange{"strange"};
-    for (const auto code : {strange.code(0), strange.code(1), strange.code(-1), std::error_code{},
-                            std::make_error_code(std::errc::io_error)}) {
-        EXPECT_CALL(*mock, writeUsbId).WillOnce([&](const auto&, const auto& done) { done(code); });
-        EXPECT_EQ(control.writeUsbId({1, 2, 3}), code.value() == 0);
-    }
-}
-
-TEST_F(SdkMemoryUsbIdTest, KeepsTwoOutstandingWritesApartThatCompleteInTheOtherOrder)
-{
-    std::promise<sdk::Completion<>> first;
-    std::promise<sdk::Completion<>> second;
-    EXPECT_CALL(*mock, writeUsbId(Sdk::UsbId{1, 0, 0}, _)).WillOnce([&](const auto&, auto done) {
-        first.set_value(std::move(done));
-    });
-    EXPECT_CALL(*mock, writeUsbId(Sdk::UsbId{2, 0, 0}, _)).WillOnce([&](const auto&, auto done) {
-        second.set_value(std::move(done));
-    });
-    std::jthread one{[&] { EXPECT_TRUE(control.writeUsbId({1, 0, 0})); }};
-    const auto doneFirst = first.get_future().get();
-    std::jthread two{[&] { EXPECT_FALSE(control.writeUsbId({2, 0, 0})); }};
-    second.get_future().get()(std::make_error_code(std::errc::io_error));
-    two.join(); // returns although the first is still outstanding
-    doneFirst({});
 }
 
 TEST(SdkUsbIdInterface, HasItsOperationsInTheOrderOfTheSdk)
