@@ -16,10 +16,8 @@
 using tarn::devices::IControlLifecycleObserver;
 using tarn::devices::service::SdkVellFactoryPowerCalibrationControl;
 using testing::_;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::NiceMock;
-using testing::Return;
 using testing::StrictMock;
 
 namespace tarn::tests {
@@ -63,13 +61,6 @@ INSTANTIATE_TYPED_TEST_SUITE_P(FactoryPower, AdapterContract, PowerContract);
 class SdkVellFactoryPowerCalibrationControlTest
     : public AdapterTest<Sdk, Control, StrictMock<MockVellFactoryPowerCalibrationControl>> { };
 
-TEST_F(SdkVellFactoryPowerCalibrationControlTest, ConvertsTheFrequencyPlanSegmentBySegment)
-{
-    EXPECT_CALL(*mock, frequencyPlan).WillOnce(Return(sdk::FrequencyPlan{{{3e9, 1e9, -1}, {0.0, 0.0, 0}}}));
-    EXPECT_THAT(control.frequencyPlan(),
-                ElementsAre(vna::FrequencySegment{3e9, 1e9, 0xffff'ffff}, vna::FrequencySegment{0.0, 0.0, 0}));
-}
-
 TEST_F(SdkVellFactoryPowerCalibrationControlTest, SavesEveryFieldOfEveryPointInOrder)
 {
     std::vector<Control::PowerCalPoint> points;
@@ -100,16 +91,6 @@ TEST_F(SdkVellFactoryPowerCalibrationControlTest, SendsEveryTimeAsItsCountOfSeco
         EXPECT_CALL(*mock, saveCalibrationData(seconds, _, _));
         control.saveCalibrationData(Seconds{std::chrono::seconds{seconds}}, 0.0, {});
     }
-}
-
-TEST_F(SdkVellFactoryPowerCalibrationControlTest, DiscardsTheDataWhileThereIsNoControl)
-{
-    device.drop(Sdk::key);
-    mock.reset();
-    control.saveCalibrationData({}, 0.0, {{}}); // the mock expects no call
-    mock = std::make_shared<StrictMock<MockVellFactoryPowerCalibrationControl>>();
-    device.offer<Sdk>(Sdk::key, mock);
-    control.onControlsAvailable(); // nor one that makes up for it
 }
 
 } // namespace

@@ -16,7 +16,6 @@ using tarn::devices::service::SdkVellIfswCalibrationControl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::NiceMock;
-using testing::Return;
 using testing::StrictMock;
 
 namespace tarn::tests {
@@ -72,13 +71,6 @@ protected:
     }
 };
 
-TEST_F(SdkVellIfswCalibrationControlTest, ConvertsTheFrequencyPlanSegmentBySegment)
-{
-    EXPECT_CALL(*mock, frequencyPlan).WillOnce(Return(sdk::FrequencyPlan{{{3e9, 1e9, -1}, {0.0, 0.0, 0}}}));
-    EXPECT_THAT(control.frequencyPlan(),
-                ElementsAre(vna::FrequencySegment{3e9, 1e9, 0xffff'ffff}, vna::FrequencySegment{0.0, 0.0, 0}));
-}
-
 TEST_F(SdkVellIfswCalibrationControlTest, SavesEveryRecordInItsPlace)
 {
     const Data data{{30, 10, 20},
@@ -108,16 +100,6 @@ TEST_F(SdkVellIfswCalibrationControlTest, HandsTheFirstListOverWithoutCopyingIt)
     Data data{{1, 2, 3}, {}, {}, {}};
     const auto* const numbers = data.frequencies.data();
     EXPECT_EQ(save(std::move(data)).frequencies.data(), numbers);
-}
-
-TEST_F(SdkVellIfswCalibrationControlTest, DiscardsTheDataWhileThereIsNoControl)
-{
-    device.drop(Sdk::key);
-    mock.reset();
-    control.saveCalibrationData({{1, 2, 3}, {}, {}, {}}); // the mock expects no call
-    mock = std::make_shared<StrictMock<MockVellIfswCalibrationControl>>();
-    device.offer<Sdk>(Sdk::key, mock);
-    control.onControlsAvailable(); // nor one that makes up for it
 }
 
 } // namespace
