@@ -101,6 +101,19 @@ TEST(ErrorTermsToSdk, ChecksAndSortsNothing)
     EXPECT_EQ(converted.ports[0].directivity[1].imag(), infinity);
 }
 
+TEST(ErrorTermsToSdk, TakesNoMoreMemoryThanTheTermsNeed)
+{
+    const auto isTight = [](const auto& list) { return list.capacity() == list.size(); };
+    const auto converted = errorTermsToSdk(vna::ErrorTerms{3, std::vector<double>(5)});
+    EXPECT_TRUE(isTight(converted.frequencies));
+    EXPECT_TRUE(isTight(converted.ports));
+    EXPECT_TRUE(isTight(converted.portPairs));
+    for (const auto& [directivity, sourceMatch, reflectionTracking] : converted.ports)
+        EXPECT_TRUE(isTight(directivity) && isTight(sourceMatch) && isTight(reflectionTracking));
+    for (const auto& pair : converted.portPairs)
+        EXPECT_TRUE(isTight(pair.loadMatch) && isTight(pair.transmissionTracking) && isTight(pair.isolation));
+}
+
 // The example of the declaration: what the converted terms say an ideal through is measured as.
 TEST(ErrorTermsToSdk, KeepsTheMeaningOfTheTerms)
 {
