@@ -2,14 +2,16 @@
 
 #include <support/exceptions.h>
 #include <support/fakevna.h>
+#include <support/observedthread.h>
 
 #include <gmock/gmock.h>
 
 #include <atomic>
 #include <exception>
 #include <functional>
-#include <latch>
+#include <future>
 #include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -307,26 +309,43 @@ TEST_F(InstrumentControlsTest, LetsAControlBeLookedUpFromInsideANotification)
     EXPECT_TRUE(found);
 }
 
+/// A release that the device announces on a thread of its own; its end is waited for.
+class AnnouncedRelease {
+public:
+    explicit AnnouncedRelease(FakeVna& device)
+        : m_thread{[this, &device] {
+            m_observed.set_value({});
+            device.announceRelease();
+            m_isOver = true;
+        }}
+    {
+    }
+
+    /// Whether it is held up by whoever is notified; comes back when that is certain.
+    [[nodiscard]] bool waits()
+    {
+        const auto thread = m_observed.get_future().get();
+        while (!m_isOver && !thread.isWaiting())
+            std::this_thread::yield();
+        return !m_isOver;
+    }
+
+private:
+    std::promise<ObservedThread> m_observed;
+    std::atomic<bool> m_isOver = false;
+    std::jthread m_thread;
+};
+
 TEST_F(InstrumentControlsTest, MakesANotificationWaitForAControlThatIsBeingCreated)
 {
-    std::latch announcing{1};
-    std::atomic<bool> announced{false};
-    std::jthread deviceThread;
+    std::optional<AnnouncedRelease> release;
     add(1, [&] {
         // The device announces a release while this control is half made; it must still hear of it.
-        deviceThread = std::jthread{[&] {
-            announcing.count_down();
-            device->announceRelease();
-            announced = true;
-        }};
-        announcing.wait();
-        for (int chance = 0; chance != 10000 && !announced; ++chance)
-            std::this_thread::yield();
-        EXPECT_FALSE(announced) << "the notification did not wait";
+        EXPECT_TRUE(release.emplace(*device).waits());
         return std::shared_ptr<IPublicControl>{std::make_shared<WatchingControl>("one", journal)};
     });
     const InstrumentControls controls{device, registry, types};
-    deviceThread.join();
+    release.reset();
     EXPECT_THAT(journal, ElementsAre("one release"));
 }
 
@@ -335,22 +354,12 @@ TEST_F(InstrumentControlsTest, MakesANotificationWaitForAnUndisturbedOperation)
     addWatching(1, "one");
     offered.insert(1);
     InstrumentControls controls{device, registry, types};
-    std::latch announcing{1};
-    std::atomic<bool> announced{false};
-    std::jthread deviceThread;
+    std::optional<AnnouncedRelease> release;
     controls.undisturbed([&] {
-        deviceThread = std::jthread{[&] {
-            announcing.count_down();
-            device->announceRelease();
-            announced = true;
-        }};
-        announcing.wait();
-        for (int chance = 0; chance != 10000 && !announced; ++chance)
-            std::this_thread::yield();
-        EXPECT_FALSE(announced) << "the notification did not wait";
+        EXPECT_TRUE(release.emplace(*device).waits());
         EXPECT_THAT(journal, IsEmpty());
     });
-    deviceThread.join();
+    release.reset();
     EXPECT_THAT(journal, ElementsAre("one release"));
 }
 
