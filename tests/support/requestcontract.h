@@ -3,6 +3,7 @@
 #include <support/adaptercontract.h>
 #include <support/adaptertest.h>
 #include <support/errorcategory.h>
+#include <support/observedthread.h>
 
 #include <sdk/completion.h>
 
@@ -121,10 +122,17 @@ TYPED_TEST_P(RequestContract, KeepsTheControlAliveWhileItWaitsForTheCompletion)
 {
     for (const auto& request : TypeParam::requests()) {
         SCOPED_TRACE(request.name);
+        std::promise<ObservedThread> observed;
         std::promise<End> taken;
         request.stub(*this->mock, [&](End end) { taken.set_value(std::move(end)); });
-        std::jthread caller{[&] { EXPECT_TRUE(request.run(this->control)); }};
+        std::jthread caller{[&] {
+            observed.set_value({});
+            EXPECT_TRUE(request.run(this->control));
+        }};
         const auto end = taken.get_future().get();
+        const auto thread = observed.get_future().get();
+        while (!thread.isWaiting()) // for the completion
+            std::this_thread::yield();
         this->device.drop(TypeParam::Sdk::key);
         const std::weak_ptr<typename TypeParam::Mock> life{std::exchange(this->mock, nullptr)};
         EXPECT_FALSE(life.expired());

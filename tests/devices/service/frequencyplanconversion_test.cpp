@@ -38,6 +38,13 @@ TEST(FrequencyPlanConversion, CopiesFieldByFieldInOrder)
     EXPECT_EQ(fromSdkFrequencyPlan(converted), plan);
 }
 
+TEST(FrequencyPlanConversion, TakesNoMoreMemoryThanThePlanNeeds)
+{
+    const auto converted = toSdkFrequencyPlan(std::vector<FrequencySegment>(5));
+    EXPECT_EQ(converted.segments.capacity(), 5U);
+    EXPECT_EQ(fromSdkFrequencyPlan(converted).capacity(), 5U);
+}
+
 TEST(FrequencyPlanConversion, KeepsSegmentsThatRunDownwardsOrHoldNoPoint)
 {
     const std::vector<FrequencySegment> plan{{2e9, 1e9, 0}, {0.0, 0.0, 1}, {-1.0, 5e-324, 2}};
