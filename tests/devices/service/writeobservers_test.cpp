@@ -200,6 +200,29 @@ TYPED_TEST(WriteObservers, AnObserverRemovedWhileItIsBeingRegisteredDoesNotStayB
     EXPECT_EQ(this->registered()->count(), 0U);
 }
 
+TYPED_TEST(WriteObservers, AnObserverRemovedWhileItIsBeingRegisteredHearsNothingMore)
+{
+    this->offer();
+    this->whenAdded = [this](auto* observer) {
+        this->control.removeObserver(&this->a);
+        observer->onWriteProgressChanged(1);
+    };
+    this->control.addObserver(&this->a);
+    EXPECT_EQ(this->journal, "");
+}
+
+TYPED_TEST(WriteObservers, AnObserverRemovedWhileTheDeviceIsAskedForTheControlDoesNotReturn)
+{
+    this->device.whenAsked([this](sdk::Key) {
+        this->device.whenAsked(nullptr);
+        this->control.removeObserver(&this->a);
+    });
+    this->control.addObserver(&this->a);
+    this->offer();
+    this->control.onControlsAvailable();
+    EXPECT_EQ(this->registered()->count(), 0U);
+}
+
 TYPED_TEST(WriteObservers, TheSdkIsCalledWithoutALock) // which would be waited for here for ever
 {
     this->offer();
