@@ -9,12 +9,15 @@
 namespace tarn::console {
 
 struct CalibrationWrite::State {
-    /// A write that was under way already may be heard as well. It is none of ours until ours has
-    /// started, which goes unheard while the controls are away.
-    [[nodiscard]] bool isOurs() const { return hasStarted || hasMissed; }
+    /// Every write is heard, whoever asked for it, but one after the other in the order in which they
+    /// were asked for. So the end of one that was under way before is not ours, and neither is
+    /// anything until ours has started, which goes unheard while the controls are away.
+    [[nodiscard]] bool isOurs() const { return hasStarted || (hasMissed && !isAnothers); }
 
     std::mutex mutex;
     std::condition_variable changed;
+    bool isRequested = false;
+    bool isAnothers = false; ///< a write that is none of ours is under way
     bool hasStarted = false;
     bool hasMissed = false;
     bool mayBeAway = true;
@@ -27,12 +30,15 @@ CalibrationWrite::CalibrationWrite(const Instrument& instrument, std::uint64_t r
     , m_registryKey{registryKey}
     , m_onProgress{std::move(onProgress)}
     , m_state{std::make_shared<State>()}
-    , m_connection{QObject::connect(&instrument.lifecycle(), &LifecycleWatch::changed, [state = m_state] {
-        const std::scoped_lock lock{state->mutex};
-        state->hasMissed = true;
-        state->mayBeAway = true;
-        state->changed.notify_all();
-    })}
+    , m_connection{QObject::connect(&instrument.lifecycle(), &LifecycleWatch::changed,
+                                    [state = m_state, &lifecycle = instrument.lifecycle()] {
+                                        const bool isAway = lifecycle.isAway();
+                                        const std::scoped_lock lock{state->mutex};
+                                        if (isAway && state->isRequested)
+                                            state->hasMissed = true;
+                                        state->mayBeAway = true;
+                                        state->changed.notify_all();
+                                    })}
 {
 }
 
@@ -41,22 +47,27 @@ CalibrationWrite::~CalibrationWrite()
     QObject::disconnect(m_connection);
 }
 
+void CalibrationWrite::requested()
+{
+    const std::scoped_lock lock{m_state->mutex};
+    m_state->isRequested = true;
+}
+
 WriteEnd CalibrationWrite::wait()
 {
-    auto& [mutex, changed, hasStarted, hasMissed, mayBeAway, end] = *m_state;
-    std::unique_lock lock{mutex};
+    std::unique_lock lock{m_state->mutex};
     for (;;) {
-        changed.wait(lock, [&] { return end || mayBeAway; });
-        if (end)
-            return *end;
-        mayBeAway = false;
+        m_state->changed.wait(lock, [this] { return m_state->end || m_state->mayBeAway; });
+        if (m_state->end)
+            return *m_state->end;
+        m_state->mayBeAway = false;
         lock.unlock();
         try {
             m_instrument.awaitControl(m_registryKey);
             lock.lock();
         } catch (const Error&) {
             lock.lock();
-            return end.value_or(std::unexpected{WriteFailure{std::nullopt, hasStarted}});
+            return m_state->end.value_or(std::unexpected{WriteFailure{std::nullopt, m_state->hasStarted}});
         }
     }
 }
@@ -64,16 +75,17 @@ WriteEnd CalibrationWrite::wait()
 void CalibrationWrite::started()
 {
     const std::scoped_lock lock{m_state->mutex};
-    m_state->hasStarted = true;
+    (m_state->isRequested ? m_state->hasStarted : m_state->isAnothers) = true;
 }
 
 void CalibrationWrite::progress(std::uint32_t percent)
 {
     {
         const std::scoped_lock lock{m_state->mutex};
-        if (!m_state->isOurs())
+        const bool isOurs = m_state->isOurs();
+        (isOurs ? m_state->hasStarted : m_state->isAnothers) = true;
+        if (!isOurs)
             return;
-        m_state->hasStarted = true;
     }
     m_onProgress({.total = 100, .done = percent});
 }
@@ -81,18 +93,27 @@ void CalibrationWrite::progress(std::uint32_t percent)
 void CalibrationWrite::finished()
 {
     const std::scoped_lock lock{m_state->mutex};
-    if (m_state->end || !m_state->isOurs())
-        return;
-    m_state->end.emplace();
-    m_state->changed.notify_all();
+    if (m_state->isOurs())
+        endWith({});
+    else
+        m_state->isAnothers = false;
 }
 
 void CalibrationWrite::failed(std::string reason)
 {
     const std::scoped_lock lock{m_state->mutex};
+    const bool isRefusal = m_state->isRequested && !m_state->isAnothers;
+    if (m_state->isOurs() || isRefusal)
+        endWith(std::unexpected{WriteFailure{std::move(reason), m_state->hasStarted}});
+    else
+        m_state->isAnothers = false;
+}
+
+void CalibrationWrite::endWith(WriteEnd end)
+{
     if (m_state->end)
         return;
-    m_state->end = std::unexpected{WriteFailure{std::move(reason), m_state->hasStarted}};
+    m_state->end = std::move(end);
     m_state->changed.notify_all();
 }
 

@@ -23,18 +23,22 @@ struct WriteFailure {
 
 using WriteEnd = std::expected<void, WriteFailure>;
 
-/// A write of calibration data: takes its notifications and waits for its end.
+/// A write of calibration data: takes its notifications, and not those of somebody else's write as
+/// far as they can be told apart, and waits for its end.
 ///
 /// Threads: thread-safe.
 class CalibrationWrite {
 public:
-    /// Before the write is requested from the control under `registryKey`. `onProgress` takes the
-    /// progress. What is passed here must outlive the write.
+    /// Before the control under `registryKey` is observed. `onProgress` takes the progress. What is
+    /// passed here must outlive the write.
     CalibrationWrite(const Instrument& instrument, std::uint64_t registryKey,
                      std::function<void(LongRequest::Progress)> onProgress);
     CalibrationWrite(const CalibrationWrite&) = delete;
     CalibrationWrite& operator=(const CalibrationWrite&) = delete;
     ~CalibrationWrite();
+
+    /// The write is about to be requested; what was heard until now is not of it.
+    void requested();
 
     /// Waits until the instrument has ended the write, or until it does not come back after a drop.
     /// A drop alone does not end the write.
@@ -47,6 +51,8 @@ public:
 
 private:
     struct State;
+
+    void endWith(WriteEnd end);
 
     const Instrument& m_instrument;
     const std::uint64_t m_registryKey;
@@ -99,7 +105,10 @@ void writeCalibration(const Change& change, const Instrument& instrument, const 
                                [&](LongRequest::Progress progress) { longRequest.onProgress(progress); }};
         Observer observer{write};
         const Registration registration{*control, static_cast<typename Control::Observer&>(observer)};
-        whileThere<Control>(instrument, Control::registryKey, change.target, request);
+        whileThere<Control>(instrument, Control::registryKey, change.target, [&](Control& there) {
+            write.requested();
+            request(there);
+        });
         return write.wait();
     });
     if (!end)

@@ -99,6 +99,15 @@ TEST_F(CalibrationFaultsTest, AnInstrumentThatStaysAwayIsLostWhateverItHasWritte
     }
 }
 
+// ---- somebody else's write
+
+TEST_F(CalibrationFaultsTest, AWriteIsNotTakenToFailWithSomebodyElses)
+{
+    const auto outcome = runAwkward(QStringLiteral("shared"), words(saveIfsw));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("written and confirmed by the instrument"));
+}
+
 // ---- Ctrl-C
 
 TEST_F(CalibrationFaultsTest, CtrlCWarnsOnceAndEndsWithAdviceTheSecondTime)

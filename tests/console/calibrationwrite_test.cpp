@@ -36,12 +36,18 @@ protected:
     CalibrationWrite write{instrument, 0x1234,
                            [this](LongRequest::Progress progress) { shown.push_back(progress.done); }};
     const WriteEnd lost = std::unexpected{WriteFailure{std::nullopt, false}};
+
+    static WriteEnd failed(const char* reason, bool hasStarted)
+    {
+        return std::unexpected{WriteFailure{reason, hasStarted}};
+    }
 };
 
 } // namespace
 
 TEST_F(CalibrationWriteTest, EndsWellWhenTheInstrumentSaysSo)
 {
+    write.requested();
     write.started();
     write.progress(0);
     write.progress(40);
@@ -52,35 +58,75 @@ TEST_F(CalibrationWriteTest, EndsWellWhenTheInstrumentSaysSo)
 
 TEST_F(CalibrationWriteTest, IsRefusedByAnErrorAlone)
 {
+    write.requested();
     write.failed("NoData");
-    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{"NoData", false})});
+    EXPECT_EQ(write.wait(), failed("NoData", false));
 }
 
 TEST_F(CalibrationWriteTest, HasFailedByAnErrorAfterItsStart)
 {
+    write.requested();
     write.started();
     write.failed("WriteFailed");
-    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{"WriteFailed", true})});
+    EXPECT_EQ(write.wait(), failed("WriteFailed", true));
 }
 
 TEST_F(CalibrationWriteTest, HasOneEnd)
 {
+    write.requested();
     write.started();
     write.finished();
     write.failed("late");
     EXPECT_TRUE(write.wait().has_value());
 }
 
-TEST_F(CalibrationWriteTest, TakesNothingOfAWriteThatWasUnderWayForItsOwn)
+// ---- somebody else's write
+
+TEST_F(CalibrationWriteTest, IsNeitherRefusedNorStartedBeforeItIsRequested)
 {
+    write.failed("not ours");
+    write.started();
+    write.progress(10);
+    write.finished();
+    write.requested();
+    write.failed("NoData");
+    EXPECT_EQ(write.wait(), failed("NoData", false));
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(CalibrationWriteTest, ComesAfterOneThatWasStartedBefore)
+{
+    write.started();
+    write.requested();
+    write.failed("not ours");
+    write.started();
+    write.finished();
+    EXPECT_TRUE(write.wait().has_value());
+}
+
+TEST_F(CalibrationWriteTest, TakesNeitherProgressNorEndOfOneThatWasUnderWayForItsOwn)
+{
+    write.requested();
     write.progress(90);
     write.finished();
     EXPECT_EQ(write.wait(), lost);
     EXPECT_TRUE(shown.empty());
 }
 
+TEST_F(CalibrationWriteTest, TakesTheFailureOfOneThatWasUnderWayNotForItsOwnButTheNextOne)
+{
+    write.requested();
+    write.progress(90);
+    write.failed("not ours");
+    write.failed("NoData");
+    EXPECT_EQ(write.wait(), failed("NoData", false));
+}
+
+// ---- drops
+
 TEST_F(CalibrationWriteTest, MayHaveStartedUnheardWhileTheControlsWereAway)
 {
+    write.requested();
     device->dropAndOfferAgain();
     write.progress(90);
     write.finished();
@@ -88,9 +134,33 @@ TEST_F(CalibrationWriteTest, MayHaveStartedUnheardWhileTheControlsWereAway)
     EXPECT_EQ(shown, std::vector<std::uint32_t>{90});
 }
 
+TEST_F(CalibrationWriteTest, HasNotStartedUnheardBeforeItIsRequested)
+{
+    device->dropAndOfferAgain();
+    write.requested();
+    write.progress(90);
+    write.finished();
+    EXPECT_EQ(write.wait(), lost);
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(CalibrationWriteTest, StartsUnheardOnlyAfterTheEndOfOneThatWasUnderWay)
+{
+    write.requested();
+    write.progress(50);
+    device->dropAndOfferAgain();
+    write.progress(60);
+    write.finished();
+    write.progress(1);
+    write.finished();
+    EXPECT_TRUE(write.wait().has_value());
+    EXPECT_EQ(shown, std::vector<std::uint32_t>{1});
+}
+
 TEST_F(CalibrationWriteTest, IsLostWithTheInstrument)
 {
     EXPECT_EQ(write.wait(), lost);
+    write.requested();
     write.started();
     device->dropAndOfferAgain();
     EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, true})});

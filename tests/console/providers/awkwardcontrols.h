@@ -1,5 +1,7 @@
 #pragma once
 
+#include "awkwardobserved.h"
+
 #include <sdk/itemperaturecontrol.h>
 #include <sdk/service/ifilememorycontrol.h>
 #include <sdk/service/iloleakagecontrol.h>
@@ -11,8 +13,7 @@
 #include <fstream>
 #include <limits>
 #include <map>
-#include <mutex>
-#include <set>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -144,6 +145,8 @@ public:
     {
         if (m_behaviour == "throwing")
             throw std::runtime_error{"the synthesizer \x1b[31mcaught fire"};
+        if (m_behaviour == "exhausted")
+            throw std::bad_alloc{};
         return m_enabled;
     }
 
@@ -158,34 +161,15 @@ private:
     bool m_enabled = false;
 };
 
-class Temperatures final : public sdk::ITemperatureControl {
+class Temperatures final : public Observed<sdk::ITemperatureControl> {
 public:
     float temperature() override { return 30.5F; }
     const ModuleTemperatures& moduleTemperatures() override { return m_modules; }
 
-    void addObserver(Observer* observer) override
-    {
-        const std::scoped_lock lock{m_mutex};
-        m_observers.insert(observer);
-    }
-
-    void removeObserver(Observer* observer) override
-    {
-        const std::scoped_lock lock{m_mutex};
-        m_observers.erase(observer);
-    }
-
-    void measure()
-    {
-        const std::scoped_lock lock{m_mutex};
-        for (auto* const observer : m_observers)
-            observer->onTemperatureChanged();
-    }
+    void live() { notify(&Observer::onTemperatureChanged); }
 
 private:
     const ModuleTemperatures m_modules{{"synth \x1b[31m", 41.25F}, {"front end", 35.0F}};
-    std::recursive_mutex m_mutex;
-    std::set<Observer*> m_observers;
 };
 
 } // namespace awkward

@@ -1,3 +1,4 @@
+#include "awkwardcalibrations.h"
 #include "awkwardcontrols.h"
 #include "awkwardmemory.h"
 
@@ -6,6 +7,7 @@
 
 #include <QObject>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
@@ -19,10 +21,6 @@
 
 namespace {
 
-using awkward::FileMemory;
-using awkward::LoLeakage;
-using awkward::Temperatures;
-
 /// An instrument with one awkward trait, named by its address:
 ///   (none)       is like a real one: it measures every few milliseconds
 ///   hostile      has files with names that must not be trusted
@@ -32,6 +30,9 @@ using awkward::Temperatures;
 ///   forgetful    accepts every change and makes none
 ///   clinging     accepts that a file be deleted and keeps it
 ///   throwing     throws
+///   exhausted    is out of memory
+///   late         drops a calibration controller before it was ever had, and offers it a little later
+///   shared       has somebody else write its calibration data and switch its corrections all the time
 ///   vanishing    drops its controls for good, without a word, once they were handed out
 ///   flickering   has no LO leakage control at every second question once it was handed out
 ///   restless     has dropped its controls while there is a file "away" in the current folder
@@ -40,35 +41,37 @@ class Instrument final : public sdk::IVna {
 public:
     explicit Instrument(const std::string& behaviour)
         : m_behaviour{behaviour}
-        , m_files{std::make_shared<FileMemory>(behaviour)}
-        , m_potentiometers{std::make_shared<awkward::Potentiometers>(behaviour)}
-        , m_usbId{std::make_shared<awkward::UsbId>(behaviour)}
-        , m_serialNumber{std::make_shared<awkward::SerialNumber>(behaviour)}
-        , m_memory{std::make_shared<awkward::MemoryOperations>(behaviour)}
-        , m_leakage{std::make_shared<LoLeakage>(behaviour)}
-        , m_temperatures{std::make_shared<Temperatures>()}
-        , m_thread{[this](const std::stop_token& stop) { live(stop); }}
     {
+        offer<sdk::service::IFileMemoryControl, awkward::FileMemory>(behaviour);
+        offer<sdk::service::IPotentiometersControl, awkward::Potentiometers>(behaviour);
+        offer<sdk::service::IMemoryUsbIdControl, awkward::UsbId>(behaviour);
+        offer<sdk::service::IMemorySerialNumberControl, awkward::SerialNumber>(behaviour);
+        offer<sdk::service::IMemoryOperationsControl, awkward::MemoryOperations>(behaviour);
+        offer<sdk::service::ILoLeakageControl, awkward::LoLeakage>(behaviour);
+        offer<sdk::ITemperatureControl, awkward::Temperatures>();
+        if (behaviour == "shared") {
+            offer<sdk::service::IVellIfswCalibrationControl, awkward::IfswCalibration>();
+            offer<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
+            offer<sdk::IFactoryCorrectionControl, awkward::Corrections>();
+        }
+        m_thread = std::jthread{[this](const std::stop_token& stop) { live(stop); }};
     }
 
+    /// A control is handed out with the second answer; a vanishing instrument gives its own
+    /// reference away with it.
     std::shared_ptr<void> control(sdk::Key key) override
     {
         const std::scoped_lock lock{m_mutex};
-        if (key == FileMemory::key)
-            return handOut<sdk::service::IFileMemoryControl>(m_files, key);
-        if (key == awkward::Potentiometers::key)
-            return handOut<sdk::service::IPotentiometersControl>(m_potentiometers, key);
-        if (key == awkward::UsbId::key)
-            return handOut<sdk::service::IMemoryUsbIdControl>(m_usbId, key);
-        if (key == awkward::SerialNumber::key)
-            return handOut<sdk::service::IMemorySerialNumberControl>(m_serialNumber, key);
-        if (key == awkward::MemoryOperations::key)
-            return handOut<sdk::service::IMemoryOperationsControl>(m_memory, key);
-        if (key == LoLeakage::key)
-            return handOut<sdk::service::ILoLeakageControl>(m_leakage, key);
-        if (key == Temperatures::key)
-            return handOut<sdk::ITemperatureControl>(m_temperatures, key);
-        return {};
+        const int asked = ++m_asked[key];
+        if (m_behaviour == "vanishing" && asked == 2)
+            return std::exchange(m_controls[key], nullptr);
+        if (m_behaviour == "flickering" && key == awkward::LoLeakage::key && asked > 2 && asked % 2 == 0)
+            return nullptr;
+        if (m_behaviour == "late" && key == ICalibrationController::firstKey && asked == 1) {
+            m_observers.front()->onControlsAboutToBeReleased();
+            m_isLate = true;
+        }
+        return m_controls[key];
     }
 
     using IVna::control;
@@ -88,33 +91,44 @@ public:
     sdk::Model model() const override { return sdk::Model{"Awkward 1"}; }
 
 private:
-    /// A control is handed out with the second answer; a vanishing instrument gives its own
-    /// reference away with it.
-    template <class Interface, class Control>
-    std::shared_ptr<Interface> handOut(std::shared_ptr<Control>& control, sdk::Key key)
-    {
-        const int asked = ++m_asked[key];
-        if (m_behaviour == "vanishing" && asked == 2)
-            return std::exchange(control, nullptr);
-        if (m_behaviour == "flickering" && key == LoLeakage::key && asked > 2 && asked % 2 == 0)
-            return nullptr;
-        return control;
-    }
+    using ICalibrationController = sdk::service::calibrations::ICalibrationController;
 
-    std::shared_ptr<Temperatures> measured()
+    template <class Interface, class Control, sdk::Key key = Interface::key, class... Arguments>
+    void offer(const Arguments&... arguments)
     {
         const std::scoped_lock lock{m_mutex};
-        return m_temperatures;
+        m_controls[key] = std::static_pointer_cast<Interface>(std::make_shared<Control>(arguments...));
+    }
+
+    template <class Interface, class Control, sdk::Key key = Interface::key>
+    void letLive()
+    {
+        std::unique_lock lock{m_mutex};
+        const auto control = std::static_pointer_cast<Interface>(m_controls[key]);
+        lock.unlock();
+        if (control)
+            static_cast<Control&>(*control).live();
     }
 
     void live(const std::stop_token& stop)
     {
         while (pause(stop)) {
-            if (const auto temperatures = measured())
-                temperatures->measure();
+            letLive<sdk::ITemperatureControl, awkward::Temperatures>();
+            letLive<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
+            letLive<sdk::IFactoryCorrectionControl, awkward::Corrections>();
             if (isToBeAway())
                 beAway(stop);
+            if (m_isLate.exchange(false))
+                beLate(stop);
         }
+    }
+
+    void beLate(const std::stop_token& stop)
+    {
+        for (int i = 0; i < 25; ++i)
+            pause(stop);
+        offer<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
+        notify(&Observer::onControlsAvailable);
     }
 
     [[nodiscard]] bool isToBeAway() const { return m_behaviour == "restless" && std::filesystem::exists("away"); }
@@ -122,9 +136,9 @@ private:
     void beAway(const std::stop_token& stop)
     {
         notify(&Observer::onControlsAboutToBeReleased);
-        offer(nullptr);
+        withdrawTemperatures();
         while (isToBeAway() && pause(stop)) { }
-        offer(std::make_shared<Temperatures>());
+        offer<sdk::ITemperatureControl, awkward::Temperatures>();
         notify(&Observer::onControlsAvailable);
     }
 
@@ -136,10 +150,10 @@ private:
         return !stop.stop_requested();
     }
 
-    void offer(std::shared_ptr<Temperatures> temperatures)
+    void withdrawTemperatures()
     {
         const std::scoped_lock lock{m_mutex};
-        m_temperatures = std::move(temperatures);
+        m_controls[awkward::Temperatures::key] = nullptr;
     }
 
     void notify(void (Observer::*notification)())
@@ -152,13 +166,8 @@ private:
     const std::string m_behaviour;
     std::mutex m_mutex;
     std::map<sdk::Key, int> m_asked;
-    std::shared_ptr<FileMemory> m_files;
-    std::shared_ptr<awkward::Potentiometers> m_potentiometers;
-    std::shared_ptr<awkward::UsbId> m_usbId;
-    std::shared_ptr<awkward::SerialNumber> m_serialNumber;
-    std::shared_ptr<awkward::MemoryOperations> m_memory;
-    std::shared_ptr<LoLeakage> m_leakage;
-    std::shared_ptr<Temperatures> m_temperatures;
+    std::map<sdk::Key, std::shared_ptr<void>> m_controls;
+    std::atomic<bool> m_isLate{false};
     std::recursive_mutex m_observersMutex;
     std::vector<Observer*> m_observers;
     std::jthread m_thread;
