@@ -9,7 +9,10 @@
 
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QThread>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -80,12 +83,11 @@ QJsonArray json(const std::vector<Unit>& units)
 /// The controllers that the instrument offers; throws `Error` (`NotOffered`) if it offers none.
 std::vector<Controller> offered(const Instrument& instrument)
 {
+    const auto isOffered = [&](const Controller& controller) { return instrument.isOffered(controller.registryKey); };
+    if (std::ranges::none_of(controllers, isOffered))
+        instrument.awaitControl(controllers[0].registryKey); // may have been away while it was opened
     std::vector<Controller> found;
-    for (const auto& controller : controllers)
-        if (instrument.isOffered(controller.registryKey))
-            found.push_back(controller);
-    if (found.empty())
-        instrument.awaitControl(controllers[0].registryKey);
+    std::ranges::copy_if(controllers, std::back_inserter(found), isOffered);
     return found;
 }
 
@@ -114,19 +116,28 @@ public:
         , m_loop{loop}
         , m_watcher{handle}
     {
-        // Direct: read on the thread that notifies, so that what is shown is what was notified.
-        QObject::connect(&m_watcher, &Watcher::unitStatusChanged, [this] { postUnits("status"); });
-        QObject::connect(&m_watcher, &Watcher::configurationChanged, [this] { postUnits("configuration"); });
+        QObject::connect(&m_watcher, &Watcher::unitStatusChanged, [this] { onUnitsChanged("status"); });
+        QObject::connect(&m_watcher, &Watcher::configurationChanged, [this] { onUnitsChanged("configuration"); });
         QObject::connect(&m_watcher, &Watcher::saveProgressChanged, [this](int percent) { postProgress(percent); });
-        postUnits("status");
+        onUnitsChanged("status");
     }
 
 private:
+    /// What the instrument notifies is read on its thread, so that what is shown is what was notified.
+    /// On this thread it is the watcher that tells of a return.
+    void onUnitsChanged(std::string_view event)
+    {
+        if (QThread::currentThread() == m_loop.thread())
+            m_loop.ask([this, event] { postUnits(event); });
+        else
+            postUnits(event);
+    }
+
     void postUnits(std::string_view event) const
     {
         const auto units = unitsOf(m_handle);
         if (!units)
-            return; // it is away again; its return will be notified
+            return; // it is away; its return will be notified
         auto text = fmt::format("{}  {}:", m_number, event);
         for (const auto& [name, status] : *units)
             text += fmt::format(" {} {};", escaped(name), statusText(status));

@@ -5,6 +5,8 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
+#include <thread>
 #include <utility>
 
 namespace tarn::console {
@@ -37,11 +39,20 @@ bool Instrument::isThere(std::uint64_t registryKey) const
     return row && m_device->control(row->sdkKey);
 }
 
+bool Instrument::isCreated(std::uint64_t registryKey) const
+{
+    using namespace std::chrono_literals;
+    for (auto left = patience / 1ms; left > 0 && !isOffered(registryKey); --left)
+        std::this_thread::sleep_for(1ms);
+    return isOffered(registryKey);
+}
+
 void Instrument::awaitControl(std::uint64_t registryKey) const
 {
     // A control that is about to go can still be had, but not for long.
-    if ((!m_lifecycle.isAway() && isThere(registryKey))
-        || (m_lifecycle.waitUntilBack(patience) && isThere(registryKey)))
+    const bool isHere = (!m_lifecycle.isAway() && isThere(registryKey))
+        || (m_lifecycle.waitUntilBack(patience) && isThere(registryKey));
+    if (isHere && isCreated(registryKey))
         return;
     if (!isOffered(registryKey))
         throw notOffered(registryKey);

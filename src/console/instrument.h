@@ -54,6 +54,10 @@ public:
     void awaitControl(std::uint64_t registryKey) const;
 
 private:
+    /// Whether a control that is there was created. The first time that it is, the lifecycle watch
+    /// knows of it a little earlier.
+    [[nodiscard]] bool isCreated(std::uint64_t registryKey) const;
+
     [[nodiscard]] Error notOffered(std::uint64_t registryKey) const;
 
     const std::shared_ptr<sdk::IVna> m_device;

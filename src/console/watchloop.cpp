@@ -33,16 +33,38 @@ void WatchLoop::run()
 
 void WatchLoop::show(const std::function<void()>& step)
 {
+    attempt([&] {
+        step();
+        ++m_shown;
+    });
+}
+
+void WatchLoop::attempt(const std::function<void()>& step)
+{
     if (m_failure || m_shown == m_count)
         return;
     try {
         step();
-        ++m_shown;
     } catch (...) {
         m_failure = std::current_exception();
     }
     if (m_failure || m_shown == m_count)
         m_loop.quit();
+}
+
+void WatchLoop::ask(std::function<void()> question)
+{
+    m_questions.push_back(std::move(question));
+    QMetaObject::invokeMethod(this, [this] { attempt([this] { putQuestions(); }); }, Qt::QueuedConnection);
+}
+
+void WatchLoop::putQuestions()
+{
+    m_lifecycle.whileHere([this] {
+        for (const auto& question : std::exchange(m_questions, {}))
+            question();
+        return true;
+    });
 }
 
 void WatchLoop::post(QJsonObject json, std::string text)

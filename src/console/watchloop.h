@@ -15,6 +15,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarn::console {
 
@@ -32,17 +33,26 @@ public:
     /// Runs `step`, which shows one thing, unless enough were shown. On the loop's thread.
     void show(const std::function<void()>& step);
 
+    /// Has `question` put to the instrument, which is held back from dropping its controls meanwhile,
+    /// together with all others that wait: one of them may be what it drops them for. Those that
+    /// find the controls away wait for the next ones. On the
+    /// loop's thread.
+    void ask(std::function<void()> question);
+
     /// Shows an event with the moment of this call: `json`, or `text` for people. Threads: any.
     void post(QJsonObject json, std::string text);
 
 private:
     void onLifecycleChanged();
+    void putQuestions();
+    void attempt(const std::function<void()>& step);
 
     const LifecycleWatch& m_lifecycle;
     const std::optional<std::uint64_t> m_count;
     const Output& m_output;
     std::uint64_t m_shown = 0;
     bool m_saidAway = false;
+    std::vector<std::function<void()>> m_questions;
     platform::InterruptGuard m_interrupt;
     QEventLoop m_loop;
     std::exception_ptr m_failure; ///< no exception may pass through Qt's event loop

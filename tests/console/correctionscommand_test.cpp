@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <map>
+
 namespace tarn::console {
 
 using testing::ElementsAre;
@@ -113,6 +115,22 @@ TEST_F(CorrectionsCommandTest, WatchNeverTakesAnAbsenceForAnAnswer)
         EXPECT_FALSE(event.value(QStringLiteral("corrections")).toArray().isEmpty());
 }
 
+TEST_F(CorrectionsCommandTest, WatchShowsEachTimeThatOneIsSwitched)
+{
+    const auto outcome = runAwkward(QStringLiteral("shared"), words("corrections watch --count 6 --json"));
+    EXPECT_EQ(outcome.exitCode, 0);
+    std::vector<bool> switches;
+    for (const auto& result : outcome.objects("result")) {
+        if (result.value(QStringLiteral("event")) != QLatin1StringView{"enabled"})
+            continue;
+        EXPECT_EQ(result.value(QStringLiteral("correction")).toString(), QStringLiteral("crosstalk"));
+        switches.push_back(result.value(QStringLiteral("enabled")).toBool());
+    }
+    EXPECT_THAT(switches, testing::AnyOf(ElementsAre(true, false, true, false), ElementsAre(false, true, false, true)));
+    EXPECT_THAT(runAwkward(QStringLiteral("shared"), words("corrections watch --count 6")).out.toStdString(),
+                testing::AllOf(HasSubstr("  enabled: crosstalk on\n"), HasSubstr("  enabled: crosstalk off\n")));
+}
+
 TEST_F(CorrectionsCommandTest, WatchesEndWithCtrlC)
 {
     for (const auto* const command : {"corrections watch --json", "calibrations watch --json"}) {
@@ -139,6 +157,13 @@ TEST_F(CorrectionsCommandTest, CalibrationUnitsAreShownByController)
     EXPECT_EQ(runAt(QStringLiteral("profile=bare"), words("calibrations watch")).exitCode, 3);
 }
 
+TEST_F(CorrectionsCommandTest, CalibrationUnitsOfAnInstrumentThatWasAwayWhileItWasOpenedAreAwaited)
+{
+    const auto outcome = runAwkward(QStringLiteral("late"), words("calibrations status --json"));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    EXPECT_EQ(outcome.result().toArray().size(), 1);
+}
+
 TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerAtOnceAndAfterReoffers)
 {
     EXPECT_THAT(events(run(words("calibrations watch --count 2 --json"))), ElementsAre("status", "status"));
@@ -146,6 +171,44 @@ TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerAtOnceAndAfte
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_THAT(events(outcome), testing::Contains("configuration"));
     EXPECT_EQ(outcome.objects("result").size(), 12);
+}
+
+TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerThoughItsOwnQuestionsDropThem)
+{
+    const auto outcome
+        = runAt(QStringLiteral("drop-every=1,drop-for=100ms"), words("calibrations watch --count 14 --json"));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+    std::map<int, int> lines;
+    for (const auto& result : outcome.objects("result"))
+        ++lines[result.value(QStringLiteral("controller")).toInt()];
+    EXPECT_EQ(lines[1] + lines[2], 14);
+    EXPECT_GE(lines[1], 5);
+    EXPECT_GE(lines[2], 5);
+}
+
+TEST_F(CorrectionsCommandTest, CalibrationWatchEndsWithAnExceptionOfTheInstrument)
+{
+    const auto outcome = runAt(QStringLiteral("throw-every=1"), words("calibrations watch"));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("told to throw"));
+}
+
+TEST_F(CorrectionsCommandTest, CalibrationWatchShowsHowFarASavingHasCome)
+{
+    const auto outcome = runAwkward(QStringLiteral("shared"), words("calibrations watch --count 6 --json"));
+    EXPECT_EQ(outcome.exitCode, 0);
+    std::vector<int> percents;
+    for (const auto& result : outcome.objects("result")) {
+        EXPECT_EQ(result.value(QStringLiteral("controller")).toInt(), 1);
+        if (result.value(QStringLiteral("event")) == QLatin1StringView{"saving"})
+            percents.push_back(result.value(QStringLiteral("percent")).toInt());
+    }
+    ASSERT_EQ(percents.size(), 5U);
+    for (std::size_t i = 1; i < percents.size(); ++i)
+        EXPECT_EQ(percents[i], percents[i - 1] % 100 + 25);
+    const auto text = runAwkward(QStringLiteral("shared"), words("calibrations watch --count 6")).out.toStdString();
+    EXPECT_THAT(text, HasSubstr("  1  saving: 100 %\n"));
+    EXPECT_THAT(text, HasSubstr("  1  status: terms \\u{1b}[31m saving;\n"));
 }
 
 } // namespace tarn::console
