@@ -6,7 +6,6 @@
 #include <console/verify.h>
 
 #include <cstdint>
-#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -63,8 +62,8 @@ void make(const Change& change, const Instrument& instrument, const Output& outp
         try {
             if (longRequest.run([&] { return request(*control, longRequest); }))
                 return;
-        } catch (const std::exception& error) {
-            throw changeBroken(change, error.what());
+        } catch (...) {
+            throw changeBroken(change, caughtError().message());
         }
         if (!watch.isLost())
             throw changeFailed(change, longRequest.last());

@@ -8,7 +8,6 @@
 #include <console/providerscommand.h>
 #include <console/tourcommand.h>
 
-#include <exception>
 #include <optional>
 
 namespace tarn::console {
@@ -33,18 +32,10 @@ int reporting(const Output& output, Step step)
         return 0;
     } catch (const OutputClosed&) {
         return 0; // the reader had enough; it was not for lack of trying
-    } catch (const Error& error) {
+    } catch (...) {
+        const auto error = caughtError();
         output.error(error);
         return exitCode(error.code());
-    } catch (const std::exception& error) {
-        const Error failed{ErrorCode::Failed, error.what(), "the instrument reported this; check it and try again"};
-        output.error(failed);
-        return exitCode(failed.code());
-    } catch (...) { // a device may throw anything
-        const Error failed{ErrorCode::Failed, "something failed without saying what",
-                           "check the instrument and try again"};
-        output.error(failed);
-        return exitCode(failed.code());
     }
 }
 

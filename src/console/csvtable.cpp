@@ -1,9 +1,12 @@
 #include <console/csvtable.h>
 
+#include <console/text.h>
+
 #include <QList>
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <system_error>
 
@@ -17,10 +20,10 @@ struct Line {
     std::string text;
 };
 
-std::string shortened(std::string_view text)
+/// What stands in the file, short enough for a message.
+std::string inQuotes(std::string_view text)
 {
-    static constexpr std::size_t longest = 80;
-    return text.size() <= longest ? std::string{text} : std::string{text.substr(0, longest)} + "...";
+    return fmt::format("'{}'", shortened(text, 80));
 }
 
 std::vector<Line> linesOf(const QByteArray& bytes)
@@ -58,6 +61,9 @@ Number CsvField::number() const
     Number value{};
     const auto* const end = m_text.data() + m_text.size();
     const auto [rest, error] = std::from_chars(m_text.data(), end, value);
+    if (error == std::errc::result_out_of_range && rest == end)
+        throw bad(fmt::format("a number of {} bits: 0, or from {} to {} apart from its sign", 8 * sizeof(Number),
+                              std::numeric_limits<Number>::denorm_min(), std::numeric_limits<Number>::max()));
     if (error != std::errc{} || rest != end || !std::isfinite(value))
         throw bad("a finite number");
     return value;
@@ -75,8 +81,7 @@ bool CsvField::onOff() const
 
 Error CsvField::bad(std::string_view expected) const
 {
-    return badFile(*m_file, fmt::format("line {}, column {}", m_line, m_column), fmt::format("'{}'", shortened(m_text)),
-                   expected);
+    return badFile(*m_file, fmt::format("line {}, column {}", m_line, m_column), inQuotes(m_text), expected);
 }
 
 std::vector<CsvRow> readCsv(const SourceFile& file, const QByteArray& bytes, std::span<const std::string_view> columns)
@@ -89,8 +94,7 @@ std::vector<CsvRow> readCsv(const SourceFile& file, const QByteArray& bytes, std
         if (!found) {
             found = fmt::format("{}", fmt::join(fields, ","));
             if (*found != header)
-                throw badFile(file, place(line), fmt::format("'{}'", shortened(line.text)),
-                              fmt::format("the header '{}'", header));
+                throw badFile(file, place(line), inQuotes(line.text), fmt::format("the header '{}'", header));
             continue;
         }
         if (fields.size() != columns.size())

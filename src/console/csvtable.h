@@ -24,7 +24,7 @@ public:
     {
     }
 
-    /// A finite number, as wide as `Number`.
+    /// A finite number that `Number` can hold.
     template <class Number>
     [[nodiscard]] Number number() const;
 

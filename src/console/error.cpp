@@ -1,5 +1,7 @@
 #include <console/error.h>
 
+#include <new>
+
 namespace tarn::console {
 
 namespace {
@@ -44,6 +46,22 @@ std::string_view errorWord(ErrorCode code)
 int exitCode(ErrorCode code)
 {
     return row(code).exitCode;
+}
+
+Error caughtError()
+{
+    try {
+        throw;
+    } catch (const Error& error) {
+        return error;
+    } catch (const std::bad_alloc&) {
+        return Error{ErrorCode::Failed, "there is not enough memory for this",
+                     "close other programs on this computer, then try again"};
+    } catch (const std::exception& error) {
+        return Error{ErrorCode::Failed, error.what(), "the instrument reported this; check it and try again"};
+    } catch (...) { // a device may throw anything
+        return Error{ErrorCode::Failed, "something failed without saying what", "check the instrument and try again"};
+    }
 }
 
 } // namespace tarn::console

@@ -46,4 +46,8 @@ private:
     std::string m_hint;
 };
 
+/// The exception that is being handled as an error: it says what is known of anything but an `Error`.
+/// Only in a `catch`.
+[[nodiscard]] Error caughtError();
+
 } // namespace tarn::console

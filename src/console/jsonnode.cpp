@@ -13,10 +13,15 @@ namespace tarn::console {
 
 namespace {
 
+/// A text of the file, short enough for a message.
+std::string inQuotes(const QString& text)
+{
+    return fmt::format("\"{}\"", shortened(text.toStdString(), 40));
+}
+
 /// What stands in the file, short enough for a message.
 std::string described(const QJsonValue& value)
 {
-    static constexpr qsizetype longest = 40;
     switch (value.type()) {
     case QJsonValue::Null:
         return "null";
@@ -24,10 +29,8 @@ std::string described(const QJsonValue& value)
         return value.toBool() ? "true" : "false";
     case QJsonValue::Double:
         return fmt::format("{}", value.toDouble());
-    case QJsonValue::String: {
-        const auto text = value.toString();
-        return fmt::format("\"{}{}\"", text.left(longest), text.size() > longest ? "..." : "");
-    }
+    case QJsonValue::String:
+        return inQuotes(value.toString());
     case QJsonValue::Array:
         return fmt::format("an array of {} elements", value.toArray().size());
     case QJsonValue::Object:
@@ -66,7 +69,7 @@ void JsonNode::expectMembers(std::initializer_list<std::string_view> names) cons
         static_cast<void>((*this)[name]);
     for (const auto& key : m_value.toObject().keys()) {
         if (std::ranges::find(names, key.toStdString()) == names.end())
-            throw bad(fmt::format("a member \"{}\"", key), fmt::format("only {}", fmt::join(names, ", ")));
+            throw bad("a member " + inQuotes(key), fmt::format("only {}", fmt::join(names, ", ")));
     }
 }
 

@@ -7,6 +7,15 @@
 
 namespace tarn::console {
 
+namespace {
+
+bool startsCharacter(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
+}
+
+} // namespace
+
 bool isPrintable(char32_t character)
 {
     switch (QChar::category(character)) {
@@ -59,10 +68,18 @@ std::string padded(std::string text, std::size_t width)
     return text;
 }
 
+std::string shortened(std::string_view text, std::size_t longest)
+{
+    if (text.size() <= longest)
+        return std::string{text};
+    while (longest > 0 && !startsCharacter(text[longest]))
+        --longest;
+    return std::string{text.substr(0, longest)} + "...";
+}
+
 std::size_t characters(std::string_view text)
 {
-    const auto startsCharacter = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; };
-    return static_cast<std::size_t>(std::ranges::count_if(text, startsCharacter));
+    return static_cast<std::size_t>(std::ranges::count_if(text, &startsCharacter));
 }
 
 } // namespace tarn::console

@@ -38,6 +38,9 @@ namespace tarn::console {
 /// `text`, filled with blanks up to `width` characters.
 [[nodiscard]] std::string padded(std::string text, std::size_t width);
 
+/// `text`, UTF-8, or its first characters and "..." if it is longer than `longest` bytes.
+[[nodiscard]] std::string shortened(std::string_view text, std::size_t longest);
+
 /// The number of characters of a UTF-8 text.
 [[nodiscard]] std::size_t characters(std::string_view text);
 

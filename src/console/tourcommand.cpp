@@ -55,16 +55,14 @@ constexpr int attempts = 5;
 void putBack(const std::function<void()>& restore, const Tour::Leftover& leftover)
 {
     auto code = ErrorCode::Failed;
-    std::string reason = "something failed without saying what";
+    std::string reason;
     for (int attempt = 1; attempt <= attempts && code != ErrorCode::InstrumentLost; ++attempt) {
         try {
             return restore();
-        } catch (const Error& error) {
+        } catch (...) {
+            const auto error = caughtError();
             code = error.code();
             reason = error.message();
-        } catch (const std::exception& error) {
-            reason = error.what();
-        } catch (...) { // NOLINT(bugprone-empty-catch): a device may throw anything
         }
     }
     throw Error{code,

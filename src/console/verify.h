@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include <exception>
 #include <string>
 #include <string_view>
 
@@ -23,21 +22,18 @@ void verify(std::string_view done, const std::string& hint, Check check)
     std::string reason;
     auto code = ErrorCode::Failed;
     for (int attempt = 1; attempt <= attempts && code != ErrorCode::InstrumentLost; ++attempt) {
-        code = ErrorCode::Failed;
-        reason = "something failed without saying what";
         try {
             if (check())
                 return;
+            code = ErrorCode::Failed;
             reason = "the instrument shows otherwise";
             break;
         } catch (const OutputClosed&) {
             throw;
-        } catch (const Error& error) {
-            reason = error.message();
+        } catch (...) {
+            const auto error = caughtError();
             code = error.code();
-        } catch (const std::exception& error) {
-            reason = error.what();
-        } catch (...) { // NOLINT(bugprone-empty-catch): a device may throw anything
+            reason = error.message();
         }
     }
     throw Error{code, fmt::format("{}, but this could not be confirmed: {}", done, reason), hint};

@@ -255,6 +255,15 @@ TEST_F(SystemTermsCommandTest, TakeNoTimeOrTemperatureThatIsNone)
         EXPECT_EQ(terms(QStringLiteral("write terms --yes %1").arg(QLatin1StringView{option})).exitCode, 2) << option;
 }
 
+TEST_F(SystemTermsCommandTest, ShowForeignTextOfAFileEscaped)
+{
+    writeLocal(QStringLiteral("terms"),
+               readLocal(QStringLiteral("terms")).replace("\"ports\"", "\"\\u001b[2J\": 1, \"ports\""));
+    const auto outcome = terms(QStringLiteral("write terms --yes"));
+    EXPECT_EQ(outcome.exitCode, 9);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("found a member \"\\u{1b}[2J\", expected only "));
+}
+
 TEST_F(SystemTermsCommandTest, RefuseABadPlanFileBeforeTheInstrumentIsOpened)
 {
     writeLocal(QStringLiteral("plan"), R"({"format": "tarn-frequency-plan/1", "segments": []})");

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <limits>
 #include <random>
 
 namespace tarn::console {
@@ -157,6 +158,15 @@ TEST(CalibrationFile, OfPowerPointsMayHaveBlanksCommentsAndForeignLineEnds)
     EXPECT_EQ(readPowerFile(file, foreign), readPowerFile(file, bytes(text)));
 }
 
+TEST(CalibrationFile, OfPowerPointsMayHoldTheSmallestAndTheLargestNumbers)
+{
+    constexpr std::array numbers{std::numeric_limits<float>::denorm_min(), -std::numeric_limits<float>::max()};
+    auto points = examplePowerPoints(std::array{1e9});
+    points.front().measuredPower = numbers.front();
+    points.back().measuredPower = numbers.back();
+    EXPECT_EQ(readPowerFile(file, bytes(powerFileText(points))), points);
+}
+
 // ---- the examples
 
 TEST(CalibrationFile, TheExamplesAreThoseThatThePlanMakes)
@@ -268,6 +278,10 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{Kind::Plan, R"("format")", R"("form")", R"($: found no member "format", expected one)"},
         Mistake{Kind::Plan, R"("segments")", R"("other": 1, "segments")",
                 R"($: found a member "other", expected only format, segments)"},
+        Mistake{Kind::Plan, R"("segments")", R"("123456789 123456789 123456789 12345678ä and more": 1, "segments")",
+                R"($: found a member "123456789 123456789 123456789 12345678ä...", expected only format, segments)"},
+        Mistake{Kind::Plan, "plan/1", "plan/1 123456789 123456😀 and more",
+                R"($.format: found "tarn-frequency-plan/1 123456789 123456...", expected "tarn-frequency-plan/1")"},
         Mistake{Kind::Plan, "1000000000", "-1",
                 "$.segments[0].start: found -1, expected a frequency in hertz, not below 0"},
         Mistake{Kind::Plan, "1000000000", "null", "$.segments[0].start: found null, expected a finite number"},
@@ -329,7 +343,20 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{Kind::Power, "-20.25", "nan",
                 "line 4, column measured_power_dbm: found 'nan', expected a finite number"},
         Mistake{Kind::Power, "-20.25", "1e40",
-                "line 4, column measured_power_dbm: found '1e40', expected a finite number"},
+                "line 4, column measured_power_dbm: found '1e40', expected a number of 32 bits: 0, or from 1e-45 to "
+                "3.4028235e+38 apart from its sign"},
+        Mistake{Kind::Power, "-20.25", "-1e-60",
+                "line 4, column measured_power_dbm: found '-1e-60', expected a number of 32 bits: 0, or from 1e-45 to "
+                "3.4028235e+38 apart from its sign"},
+        Mistake{Kind::Power, "2000000000", "1e400",
+                "line 5, column frequency_hz: found '1e400', expected a number of 64 bits: 0, or from 5e-324 to "
+                "1.7976931348623157e+308 apart from its sign"},
+        Mistake{Kind::Power, "-20.25", "1e40 dBm",
+                "line 4, column measured_power_dbm: found '1e40 dBm', expected a finite number"},
+        Mistake{Kind::Power, "0.25,on",
+                "0.25,123456789 123456789 123456789 123456789 123456789 123456789 123456789 123456789€ and more",
+                "line 3, column source_amplifier: found '123456789 123456789 123456789 123456789 123456789 123456789 "
+                "123456789 123456789...', expected 'on' or 'off'"},
         Mistake{Kind::Power, "-20.25", "", "line 4, column measured_power_dbm: found '', expected a finite number"},
         Mistake{Kind::Power, "-20.25,", "", "line 4: found 8 fields, expected 9, separated by commas"},
         Mistake{Kind::Power, "2000000000", "999999999",

@@ -121,6 +121,14 @@ TEST_F(InstrumentTest, AnExceptionOfTheInstrumentIsAFailureWithItsText)
     }
 }
 
+TEST_F(InstrumentTest, ALackOfMemoryIsAFailureThatSaysSo)
+{
+    const auto outcome = runAwkward(QStringLiteral("exhausted"), words("lo-leakage show"));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("error: there is not enough memory"));
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("close other programs"));
+}
+
 struct Refusal {
     const char* address;
     int exitCode;

@@ -53,6 +53,15 @@ TEST(Decoding, TakesValidUtf8Only)
     EXPECT_EQ(decoded("\uFFFD"), QStringLiteral("\uFFFD"));
 }
 
+TEST(Shortening, KeepsWholeCharacters)
+{
+    EXPECT_EQ(shortened("Zähler", 7), "Zähler");
+    EXPECT_EQ(shortened("Zähler", 3), "Zä...");
+    EXPECT_EQ(shortened("Zähler", 2), "Z...");
+    EXPECT_EQ(shortened("€", 2), "...");
+    EXPECT_EQ(shortened("\x80\x80\x80", 2), "...");
+}
+
 TEST(Padding, CountsCharactersAndNeverCuts)
 {
     EXPECT_EQ(padded("Zäh", 5), "Zäh  ");
