@@ -176,14 +176,14 @@ TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerAtOnceAndAfte
 TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerThoughItsOwnQuestionsDropThem)
 {
     const auto outcome
-        = runAt(QStringLiteral("drop-every=1,drop-for=100ms"), words("calibrations watch --count 14 --json"));
+        = runAt(QStringLiteral("drop-every=1,drop-for=100ms"), words("calibrations watch --count 26 --json"));
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     std::map<int, int> lines;
     for (const auto& result : outcome.objects("result"))
         ++lines[result.value(QStringLiteral("controller")).toInt()];
-    EXPECT_EQ(lines[1] + lines[2], 14);
-    EXPECT_GE(lines[1], 5);
-    EXPECT_GE(lines[2], 5);
+    EXPECT_EQ(lines[1] + lines[2], 26);
+    EXPECT_GE(lines[1], 10);
+    EXPECT_GE(lines[2], 10);
 }
 
 TEST_F(CorrectionsCommandTest, CalibrationWatchEndsWithAnExceptionOfTheInstrument)
