@@ -10,6 +10,7 @@ InterruptWarning::InterruptWarning(const Output& output)
     : m_output{output}
 {
     m_output.setFirstWords(m_guard, {}); // `warn` says more
+    m_output.detail("a change of the instrument is under way");
 }
 
 void InterruptWarning::setConsequences(std::string leftBehind, const std::string& advice)

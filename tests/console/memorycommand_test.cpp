@@ -114,6 +114,27 @@ TEST_F(MemoryCommandTest, AnImageThatIsTooLongIsRefusedAndTheMemoryIsAsItWas)
     EXPECT_EQ(held(), image(1));
 }
 
+TEST_F(MemoryCommandTest, AnEmptyImageIsRefusedAndTheMemoryIsAsItWas)
+{
+    put(image(1));
+    writeLocal(QStringLiteral("empty"), {});
+    const auto outcome = memory("write empty --yes");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("the memory should be as it was"));
+    EXPECT_EQ(memory("write - --yes").exitCode, 1);
+    EXPECT_EQ(held(), image(1));
+}
+
+TEST_F(MemoryCommandTest, AFileLargerThanAnyMemoryIsALocalFileError)
+{
+    writeLocal(QStringLiteral("vast"), "x");
+    ASSERT_TRUE(QFile{path(QStringLiteral("vast"))}.resize(qint64{1} << 40U)); // takes no space
+    const auto outcome = memory("write vast --yes");
+    EXPECT_EQ(outcome.exitCode, 9);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("cannot read 'vast': File too large"));
+    EXPECT_THAT(outcome.err.toStdString(), Not(HasSubstr("started")));
+}
+
 TEST_F(MemoryCommandTest, AWrongChecksumIsAFailure)
 {
     put(image(1));

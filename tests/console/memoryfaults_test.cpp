@@ -33,8 +33,8 @@ protected:
 // ---- Ctrl-C. The instrument is so slow that no operation comes to its end.
 
 struct LongCommand {
+    const char* options;
     const char* command;
-    const char* started; ///< what it says once it runs
     const char* leftBehind;
     const char* advice;
 };
@@ -44,19 +44,24 @@ void PrintTo(const LongCommand& value, std::ostream* stream)
     *stream << value.command;
 }
 
+constexpr auto slowly = "speed=0.001";
+constexpr auto changing = "a change of the instrument is under way\n"; // is said on standard error
+
 class InterruptedChange : public MemoryFaultsTest, public testing::WithParamInterface<LongCommand> {
 protected:
-    static QStringList slowly(const char* command)
+    static QStringList command()
     {
-        return QStringList{QStringLiteral("--address"), address(QStringLiteral("speed=0.001"))} + words(command);
+        return QStringList{QStringLiteral("-v"), QStringLiteral("--address"),
+                           address(QString::fromUtf8(GetParam().options))}
+        + words(GetParam().command);
     }
 };
 
 TEST_P(InterruptedChange, WarnsOnceAndEndsWithAdviceTheSecondTime)
 {
-    const auto& [command, started, leftBehind, advice] = GetParam();
+    const auto& [options, what, leftBehind, advice] = GetParam();
     QProcess process;
-    startUntil(process, slowly(command), started);
+    startUntil(process, command(), changing);
     interrupt(process);
     const auto warned = awaitError(process, "ends it all the same\n");
     EXPECT_THAT(warned.toStdString(), HasSubstr("warning: "));
@@ -72,11 +77,9 @@ TEST_P(InterruptedChange, WarnsOnceAndEndsWithAdviceTheSecondTime)
 
 TEST_P(InterruptedChange, EndsWithAnErrorObjectWithJson)
 {
-    const auto& [command, started, leftBehind, advice] = GetParam();
+    const auto& [options, what, leftBehind, advice] = GetParam();
     QProcess process;
-    prepare(process, QStringList{QStringLiteral("--json")} + slowly(command));
-    process.start();
-    ASSERT_TRUE(process.waitForReadyRead()) << "the first progress";
+    startUntil(process, QStringList{QStringLiteral("--json")} + command(), changing);
     interrupt(process);
     awaitError(process, "ends it all the same\n");
     interrupt(process);
@@ -89,13 +92,35 @@ TEST_P(InterruptedChange, EndsWithAnErrorObjectWithJson)
     EXPECT_THAT(error.value(QStringLiteral("hint")).toString().toStdString(), HasSubstr(advice));
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, InterruptedChange,
-                         testing::Values(LongCommand{"memory write image --yes", "writing the memory: started",
-                                                     "the memory may be left partly written", "memory check"},
-                                         LongCommand{"memory erase --yes", "erasing the memory: started",
-                                                     "the memory may be left partly erased", "erase its memory again"},
-                                         LongCommand{"serial write 5 --yes", "writing the serial number: started",
-                                                     "the serial number may be left", "serial show"}));
+INSTANTIATE_TEST_SUITE_P(
+    Commands, InterruptedChange,
+    testing::Values(
+        LongCommand{slowly, "memory write image --yes", "the memory may be left partly written", "memory check"},
+        LongCommand{slowly, "memory erase --yes", "the memory may be left partly erased", "erase its memory again"},
+        LongCommand{slowly, "serial write 5 --yes", "the serial number may be left", "serial show"},
+        LongCommand{"latency=1000s", "usb write f3a7:0101 --yes",
+                    "the USB identity may be left neither the old nor the new one", "usb show"},
+        LongCommand{"delay-every=5,delay=1000s", "potentiometers write 0 9 --eeprom",
+                    "the potentiometer's EEPROM may be left with neither", "potentiometers read 0"}));
+
+TEST_F(MemoryFaultsTest, CtrlCOnceLetsAChangeWithoutProgressComeToItsEnd)
+{
+    for (const auto* const command : {"usb write f3a7:0101 --yes", "potentiometers write 0 9 --eeprom"}) {
+        QProcess process;
+        startUntil(
+            process,
+            QStringList{QStringLiteral("-v"), QStringLiteral("--address"), address(QStringLiteral("latency=300ms"))}
+                + words(command),
+            changing);
+        interrupt(process);
+        const auto outcome = finish(process);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+        EXPECT_EQ(outcome.err.count("warning: "), 1);
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr("read back and compared"));
+    }
+    EXPECT_EQ(at("", "potentiometers read 0").out, "9\n");
+    EXPECT_THAT(at("", "usb show").out.toStdString(), testing::StartsWith("f3a7:0101 "));
+}
 
 TEST_F(MemoryFaultsTest, CtrlCWhileAChangeIsReadBackSaysThatItWasMade)
 {

@@ -102,4 +102,38 @@ TEST_F(UsbCommandTest, AWriteThatTheInstrumentForgetsIsNotCalledDone)
     EXPECT_EQ(runAwkward(QStringLiteral("well"), words("usb write 1234:2 --yes")).exitCode, 0);
 }
 
+// ---- names that must not be trusted
+
+TEST_F(UsbCommandTest, NamesOfModelsAreShownEscaped)
+{
+    setVariable(QStringLiteral("NO_COLOR"), QStringLiteral("1"));
+    const auto list = runAwkward(QStringLiteral("hostile"), words("usb list")).out.toStdString();
+    EXPECT_THAT(list, HasSubstr("  One \\u{1b}[2J    revision 1"));
+    EXPECT_THAT(list, HasSubstr("  Two \\u{1b}[2J\\u{202e} revision 2"));
+    EXPECT_THAT(runAwkward(QStringLiteral("hostile"), words("usb show")).out.toStdString(),
+                HasSubstr("  One \\u{1b}[2J    revision 1"));
+    const auto written = runAwkward(QStringLiteral("hostile"), words("-v usb write 1234:2 --yes"));
+    EXPECT_EQ(written.exitCode, 0);
+    EXPECT_THAT(written.err.toStdString(),
+                HasSubstr("wrote the USB identity 1234:0002 (Two \\u{1b}[2J\\u{202e}), read"));
+    EXPECT_THAT(written.err.toStdString(), HasSubstr("(model Awkward \\u{1b}[2J)"));
+    const auto missing = runAwkward(QStringLiteral("hostile"), words("system-terms plan"));
+    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_THAT(missing.err.toStdString(), HasSubstr("this instrument (Awkward \\u{1b}[2J) has no"));
+    for (const auto& said : {QByteArray::fromStdString(list), written.err, missing.err})
+        EXPECT_FALSE(said.contains('\x1b')) << said.toStdString();
+}
+
+TEST_F(UsbCommandTest, NamesOfModelsAreAskedForEscapedAndCarriedInJsonAsTheyAre)
+{
+    const auto asked
+        = converse(awkward(QStringLiteral("hostile")) + words("--color never usb write 1234:2"), {{"[y/N] ", "n\n"}});
+    EXPECT_EQ(asked.exitCode, 4);
+    EXPECT_THAT(asked.out.toStdString(), HasSubstr("from 1234:0001 (One \\u{1b}[2J) to 1234:0002 (Two \\u{1b}[2J"));
+    EXPECT_FALSE(asked.out.contains('\x1b'));
+    const auto shown = runAwkward(QStringLiteral("hostile"), words("usb show --json"));
+    EXPECT_EQ(shown.result().toObject().value(QStringLiteral("model")).toString(), QStringLiteral("One \x1b[2J"));
+    EXPECT_FALSE(shown.out.contains('\x1b'));
+}
+
 } // namespace tarn::console

@@ -108,11 +108,12 @@ private:
     std::array<int, 4> m_values{1, 2, 3, 4};
 };
 
-/// Two of its identities have the same name.
+/// Two of its identities have the same name; those of a hostile one must not be trusted.
 class UsbId final : public sdk::service::IMemoryUsbIdControl {
 public:
     explicit UsbId(const std::string& behaviour)
         : m_forgetful{behaviour == "forgetful"}
+        , m_hostile{behaviour == "hostile"}
     {
     }
 
@@ -121,9 +122,11 @@ public:
 
     std::vector<DeviceRecord> supportedDevices() override
     {
-        return {{{0x1234, 1, 0x100}, sdk::models::pell::pell101, 1, {}},
-                {{0x1234, 2, 0x100}, sdk::models::pell::pell102, 1, {}},
-                {{0x1234, 3, 0x100}, sdk::models::pell::pell102, 2, {}}};
+        const auto first = m_hostile ? sdk::Model{"One \x1b[2J"} : sdk::models::pell::pell101;
+        const auto second = m_hostile ? sdk::Model{"Two \x1b[2J\u202e"} : sdk::models::pell::pell102;
+        return {{{0x1234, 1, 0x100}, first, 1, {}},
+                {{0x1234, 2, 0x100}, second, 1, {}},
+                {{0x1234, 3, 0x100}, second, 2, {}}};
     }
 
     void writeUsbId(const IMemoryUsbIdControl::UsbId& usbId, sdk::Completion<> completion) override
@@ -135,6 +138,7 @@ public:
 
 private:
     const bool m_forgetful;
+    const bool m_hostile;
     std::size_t m_current = 0;
 };
 

@@ -23,7 +23,7 @@ namespace {
 
 /// An instrument with one awkward trait, named by its address:
 ///   (none)       is like a real one: it measures every few milliseconds
-///   hostile      has files with names that must not be trusted
+///   hostile      has files with names that must not be trusted, and is of such models
 ///   crowded      has a thousand files
 ///   unformatted  has a file memory that cannot be used
 ///   huge         has a file memory that no number of JSON can count
@@ -88,7 +88,10 @@ public:
         std::erase(m_observers, observer);
     }
 
-    sdk::Model model() const override { return sdk::Model{"Awkward 1"}; }
+    sdk::Model model() const override
+    {
+        return sdk::Model{m_behaviour == "hostile" ? "Awkward \x1b[2J" : "Awkward 1"};
+    }
 
 private:
     using ICalibrationController = sdk::service::calibrations::ICalibrationController;
