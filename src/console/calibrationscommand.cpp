@@ -1,6 +1,5 @@
-#include <console/calibrationscommand.h>
-
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/requests.h>
 #include <console/text.h>
 #include <console/tourcommand.h>

@@ -1,6 +1,5 @@
-#include <console/correctionscommand.h>
-
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/correctionnames.h>
 #include <console/requests.h>
 #include <console/text.h>
@@ -38,7 +37,7 @@ State stateOf(const Control& control, FactoryCorrection correction)
 template <class Operation>
 void whileHere(const Instrument& instrument, Operation operation)
 {
-    whileThere<Control>(instrument, CorrectionsCommand::registryKey, "its corrections", operation);
+    whileThere<Control>(instrument, Control::registryKey, "its corrections", operation);
 }
 
 std::vector<State> list(const Instrument& instrument)
@@ -242,7 +241,7 @@ void watch(Session& session, std::optional<std::uint64_t> count)
 {
     auto& instrument = session.instrument();
     const auto control = instrument.control<Control>();
-    instrument.awaitControl(CorrectionsCommand::registryKey);
+    instrument.awaitControl(Control::registryKey);
     WatchLoop loop{instrument.lifecycle(), count, session.output()};
     const Reporting reporting{instrument, *control, loop};
     loop.run();

@@ -27,7 +27,7 @@ auto ask(const Instrument& instrument, Request request)
         if (outcome.error() != Control::unavailableMessage)
             throw Error{ErrorCode::Failed, outcome.error().toStdString(),
                         "the instrument is as it was; 'tarn-service files list' shows what it holds"};
-        instrument.awaitControl(FilesCommand::registryKey);
+        instrument.awaitControl(Control::registryKey);
         if (attempt == attempts)
             throw Error{ErrorCode::Failed, "the instrument offers its file memory, but the memory cannot be used now",
                         "check the instrument, then try again"};

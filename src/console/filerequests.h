@@ -1,6 +1,6 @@
 #pragma once
 
-#include <console/filescommand.h>
+#include <console/commandtable.h>
 #include <console/instrument.h>
 
 #include <optional>

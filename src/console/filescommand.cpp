@@ -1,6 +1,5 @@
-#include <console/filescommand.h>
-
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/filerequests.h>
 #include <console/filesverbs.h>
 #include <console/text.h>

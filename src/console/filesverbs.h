@@ -1,7 +1,7 @@
 #pragma once
 
+#include <console/commandtable.h>
 #include <console/confirmation.h>
-#include <console/filescommand.h>
 #include <console/session.h>
 
 #include <QJsonObject>

@@ -1,5 +1,6 @@
 #include <console/instrument.h>
 
+#include <console/commandtable.h>
 #include <console/controltable.h>
 #include <devices/service/servicecontrols.h>
 
@@ -29,7 +30,7 @@ Instrument::Instrument(std::shared_ptr<sdk::IVna> device)
     : m_device{std::move(device)}
     , m_registry{makeRegistry()}
     , m_lifecycle{m_device}
-    , m_controls{m_device, m_registry, AllControlTypes{}}
+    , m_controls{m_device, m_registry, AllControls::Types{}}
 {
 }
 

@@ -1,6 +1,5 @@
-#include <console/loleakagecommand.h>
-
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/requests.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
@@ -27,7 +26,7 @@ QJsonValue json(bool enabled)
 template <class Operation>
 void whileHere(const Instrument& instrument, Operation operation)
 {
-    whileThere<Control>(instrument, LoLeakageCommand::registryKey, "LO leakage", operation);
+    whileThere<Control>(instrument, Control::registryKey, "LO leakage", operation);
 }
 
 /// The state as the instrument reports it.

@@ -1,7 +1,6 @@
-#include <console/memorycommand.h>
-
 #include <console/change.h>
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/confirmation.h>
 #include <console/localfile.h>
 #include <console/platform.h>
@@ -157,7 +156,7 @@ void writeMemory(Session& session, const WriteOptions& options)
 {
     const auto& output = session.output();
     const auto image = readLocalImage(options.path);
-    session.instrument().awaitControl(MemoryCommand::registryKey);
+    session.instrument().awaitControl(Control::registryKey);
     options.confirmation.obtain(
         output, "writing the memory",
         fmt::format("Write '{}' ({} bytes) into the instrument's memory? The image that it holds now is lost.",
@@ -179,7 +178,7 @@ void eraseMemory(Session& session, const Confirmation& confirmation)
 {
     static constexpr auto advice = "once the instrument is there, erase its memory again or write an image";
     const auto& output = session.output();
-    session.instrument().awaitControl(MemoryCommand::registryKey);
+    session.instrument().awaitControl(Control::registryKey);
     confirmation.obtain(output, "erasing the memory",
                         "Erase the instrument's whole memory? The image that it holds now is lost.");
 

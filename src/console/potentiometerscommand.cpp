@@ -1,7 +1,6 @@
-#include <console/potentiometerscommand.h>
-
 #include <console/change.h>
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/number.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
@@ -24,7 +23,7 @@ std::vector<Potentiometer> list(const Instrument& instrument)
 {
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
-        const LossWatch watch{instrument, PotentiometersCommand::registryKey};
+        const LossWatch watch{instrument, Control::registryKey};
         auto potentiometers = control->potentiometers();
         if (!potentiometers.empty() || !watch.isLost())
             return potentiometers;

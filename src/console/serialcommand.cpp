@@ -1,7 +1,6 @@
-#include <console/serialcommand.h>
-
 #include <console/change.h>
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/confirmation.h>
 #include <console/number.h>
 #include <console/text.h>

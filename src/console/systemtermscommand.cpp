@@ -1,6 +1,5 @@
-#include <console/systemtermscommand.h>
-
 #include <console/calibrationwrite.h>
+#include <console/commandtable.h>
 #include <console/confirmation.h>
 #include <console/localfile.h>
 #include <console/measurement.h>
@@ -59,7 +58,7 @@ void write(Session& session, const WriteOptions& options)
     const auto terms = readTermsFile({options.path, "system-terms example"}, readLocalFile(options.path));
     const auto plan = readPlan(options.planPath);
     const auto& instrument = session.instrument();
-    instrument.awaitControl(SystemTermsCommand::registryKey);
+    instrument.awaitControl(Control::registryKey);
     const auto measurement = options.measurement.obtain(instrument);
     const auto what = fmt::format("the error terms of {} ports at {} frequencies, {}", terms.portCount(),
                                   terms.frequencies().size(), measurementText(measurement));
@@ -92,7 +91,7 @@ void write(Session& session, const WriteOptions& options)
 bool isOverrideSupported(const Instrument& instrument)
 {
     bool supported = false;
-    whileThere<Control>(instrument, SystemTermsCommand::registryKey, "its system terms",
+    whileThere<Control>(instrument, Control::registryKey, "its system terms",
                         [&](const Control& control) { supported = control.isFrequencyOverrideSupported(); });
     return supported;
 }

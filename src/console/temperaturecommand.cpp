@@ -1,6 +1,5 @@
-#include <console/temperaturecommand.h>
-
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/temperaturewatch.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
@@ -32,7 +31,7 @@ void show(Session& session)
 {
     const auto& instrument = session.instrument();
     const auto control = instrument.control<Control>();
-    instrument.awaitControl(TemperatureCommand::registryKey); // a snapshot outlives its control
+    instrument.awaitControl(Control::registryKey); // a snapshot outlives its control
     auto text = fmt::format("{} {:7.2f} °C\n", padded("instrument", 20), control->temperature());
     for (const auto& module : control->modulesTemperature())
         text += fmt::format("  {} {:7.2f} °C\n", padded(escaped(module.name), 18), module.temperature);
@@ -60,7 +59,7 @@ void watch(Session& session, const WatchOptions& options)
 {
     const auto& instrument = session.instrument();
     const auto control = instrument.control<Control>();
-    instrument.awaitControl(TemperatureCommand::registryKey);
+    instrument.awaitControl(Control::registryKey);
     TemperatureWatch{instrument.lifecycle(),
                      *control,
                      options.interval,

@@ -1,7 +1,6 @@
-#include <console/usbcommand.h>
-
 #include <console/change.h>
 #include <console/commandline.h>
+#include <console/commandtable.h>
 #include <console/confirmation.h>
 #include <console/number.h>
 #include <console/text.h>
@@ -32,7 +31,7 @@ auto query(const Instrument& instrument, Query query)
 {
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
-        const LossWatch watch{instrument, UsbCommand::registryKey};
+        const LossWatch watch{instrument, Control::registryKey};
         auto answer = query(*control);
         if (answer != decltype(answer){} || !watch.isLost())
             return answer;
