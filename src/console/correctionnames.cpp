@@ -1,5 +1,9 @@
 #include <console/correctionnames.h>
 
+#include <console/output.h>
+
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -41,6 +45,19 @@ std::string correctionNames()
     std::string list;
     for (const auto& [correction, name] : names)
         list += (list.empty() ? "" : ", ") + std::string{name};
+    return list;
+}
+
+NameList namesOf(const std::vector<FactoryCorrection>& corrections)
+{
+    NameList list;
+    for (const auto correction : corrections) {
+        const auto name = correctionName(correction);
+        list.json.append(toJson(name));
+        list.text += fmt::format("{}{}", list.text.empty() ? "" : ", ", name);
+    }
+    if (list.text.empty())
+        list.text = "none";
     return list;
 }
 

@@ -2,9 +2,12 @@
 
 #include <devices/factorycorrection.h>
 
+#include <QJsonArray>
+
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::console {
 
@@ -16,5 +19,13 @@ namespace tarn::console {
 
 /// All names, separated by commas.
 [[nodiscard]] std::string correctionNames();
+
+/// The names of some corrections, for machines and for people.
+struct NameList {
+    QJsonArray json;
+    std::string text;
+};
+
+[[nodiscard]] NameList namesOf(const std::vector<devices::FactoryCorrection>& corrections);
 
 } // namespace tarn::console

@@ -1,8 +1,8 @@
 #include <console/commandline.h>
 #include <console/commandtable.h>
 #include <console/correctionnames.h>
+#include <console/correctionswatch.h>
 #include <console/requests.h>
-#include <console/text.h>
 #include <console/tourcommand.h>
 #include <console/verify.h>
 #include <console/watchloop.h>
@@ -10,9 +10,8 @@
 #include <QJsonArray>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
-#include <mutex>
-#include <ranges>
 #include <vector>
 
 namespace tarn::console {
@@ -48,25 +47,6 @@ std::vector<State> list(const Instrument& instrument)
             states.push_back(stateOf(control, correction));
     });
     return states;
-}
-
-struct Names {
-    QJsonArray json;
-    std::string text;
-};
-
-/// The names of a list of corrections.
-Names namesOf(std::ranges::input_range auto&& corrections)
-{
-    Names names;
-    for (const FactoryCorrection correction : corrections) {
-        const auto name = correctionName(correction);
-        names.json.append(toJson(name));
-        names.text += fmt::format("{}{}", names.text.empty() ? "" : ", ", name);
-    }
-    if (names.text.empty())
-        names.text = "none";
-    return names;
 }
 
 QJsonObject json(const State& state)
@@ -149,104 +129,6 @@ void addSwitchVerb(CommandLine& line, CLI::App& noun, const std::string& name, b
     verb.add_option("NAME", *correction, "Which; 'corrections list' shows them")->required();
 }
 
-// ---- watching
-
-/// Posts what the instrument notifies. Instrument and control may hold on to it longer than the watch
-/// lasts.
-class Reporter final : public Control::Observer {
-public:
-    Reporter(const Control& control, WatchLoop& loop)
-        : m_control{control}
-        , m_loop{&loop}
-    {
-    }
-
-    void onSupportedChanged() override { post("supported", m_control.supported()); }
-
-    void onValidChanged() override
-    {
-        auto valid = m_control.supported();
-        std::erase_if(valid, [&](FactoryCorrection correction) { return !m_control.isValid(correction); });
-        post("valid", valid);
-    }
-
-    void onEnabledChanged(FactoryCorrection correction, bool enabled) override
-    {
-        const auto name = correctionName(correction);
-        post({{QStringLiteral("event"), QStringLiteral("enabled")},
-              {QStringLiteral("correction"), toJson(name)},
-              {QStringLiteral("enabled"), enabled}},
-             fmt::format("enabled: {} {}", name, enabled ? "on" : "off"));
-    }
-
-    /// Once this has returned, nothing is posted any more.
-    void silence()
-    {
-        const std::scoped_lock lock{m_mutex};
-        m_loop = nullptr;
-    }
-
-private:
-    void post(std::string_view event, const std::vector<FactoryCorrection>& corrections)
-    {
-        const auto [json, text] = namesOf(corrections);
-        post({{QStringLiteral("event"), toJson(event)}, {QStringLiteral("corrections"), json}},
-             fmt::format("{}: {}", event, text));
-    }
-
-    void post(QJsonObject json, std::string text)
-    {
-        const std::scoped_lock lock{m_mutex};
-        if (m_loop)
-            m_loop->post(std::move(json), std::move(text));
-    }
-
-    const Control& m_control;
-    std::mutex m_mutex;
-    WatchLoop* m_loop;
-};
-
-/// Keeps a reporter with the control for as long as it lives.
-class Reporting {
-public:
-    Reporting(Instrument& instrument, Control& control, WatchLoop& loop)
-        : m_instrument{instrument}
-        , m_control{control}
-        , m_reporter{std::make_shared<Reporter>(control, loop)}
-    {
-        m_instrument.keep(m_reporter); // a control that is away does not let it go
-        m_instrument.undisturbed([this] {
-            m_control.addObserver(m_reporter.get());
-            if (m_instrument.lifecycle().isAway()) // its return tells both
-                return;
-            m_reporter->onSupportedChanged();
-            m_reporter->onValidChanged();
-        });
-    }
-    Reporting(const Reporting&) = delete;
-    Reporting& operator=(const Reporting&) = delete;
-    ~Reporting()
-    {
-        m_reporter->silence();
-        m_instrument.undisturbed([this] { m_control.removeObserver(m_reporter.get()); });
-    }
-
-private:
-    Instrument& m_instrument;
-    Control& m_control;
-    const std::shared_ptr<Reporter> m_reporter;
-};
-
-void watch(Session& session, std::optional<std::uint64_t> count)
-{
-    auto& instrument = session.instrument();
-    const auto control = instrument.control<Control>();
-    instrument.awaitControl(Control::registryKey);
-    WatchLoop loop{instrument.lifecycle(), count, session.output()};
-    const Reporting reporting{instrument, *control, loop};
-    loop.run();
-}
-
 } // namespace
 
 void CorrectionsCommand::addTo(CommandLine& line)
@@ -260,7 +142,7 @@ void CorrectionsCommand::addTo(CommandLine& line)
     const auto count = std::make_shared<std::optional<std::uint64_t>>();
     auto& verb
         = line.addVerb(noun, "watch", "Show the supported and the valid corrections, and every change, until Ctrl-C",
-                       [count](Session& session) { watch(session, *count); });
+                       [count](Session& session) { watchCorrections(session, *count); });
     addCountOption(verb, *count, "End after so many lines");
     CommandLine::addExamples(verb, {"corrections watch", "corrections watch --count 10 --json"});
 }
@@ -269,8 +151,11 @@ void CorrectionsCommand::tour(Tour& tour)
 {
     const auto states = list(tour.instrument());
     const auto show = [&](std::string_view label, auto isShown) {
-        const auto [json, text]
-            = namesOf(states | std::views::filter(isShown) | std::views::transform(&State::correction));
+        std::vector<FactoryCorrection> corrections;
+        for (const auto& state : states)
+            if (std::invoke(isShown, state))
+                corrections.push_back(state.correction);
+        const auto [json, text] = namesOf(corrections);
         tour.show(label, text, json);
     };
     show("supported", [](const State&) { return true; });
