@@ -58,8 +58,8 @@ WriteEnd CalibrationWrite::wait()
     std::unique_lock lock{m_state->mutex};
     for (;;) {
         m_state->changed.wait(lock, [this] { return m_state->end || m_state->mayBeAway; });
-        if (m_state->end)
-            return *m_state->end;
+        if (const auto& end = m_state->end)
+            return *end;
         m_state->mayBeAway = false;
         lock.unlock();
         try {
