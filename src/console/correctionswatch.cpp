@@ -6,6 +6,8 @@
 
 #include <QJsonObject>
 
+#include <fmt/format.h>
+
 #include <memory>
 #include <mutex>
 #include <utility>

@@ -3,6 +3,8 @@
 #include <console/memoryverbs.h>
 #include <console/tourcommand.h>
 
+#include <fmt/format.h>
+
 #include <memory>
 
 namespace tarn::console {

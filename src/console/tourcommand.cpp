@@ -73,8 +73,7 @@ void putBack(const std::function<void()>& restore, const Tour::Leftover& leftove
 } // namespace
 
 Tour::Tour(Session& session)
-    : m_session{session}
-    , m_output{session.output()}
+    : m_output{session.output()}
     , m_simulated{session.provider().isSimulated()}
     , m_instrument{session.instrument()}
 {

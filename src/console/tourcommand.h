@@ -60,7 +60,6 @@ private:
     void finish();
     void line(std::string_view text) const;
 
-    Session& m_session;
     const Output& m_output;
     const bool m_simulated;
     Instrument& m_instrument;

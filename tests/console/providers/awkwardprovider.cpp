@@ -88,10 +88,7 @@ public:
         std::erase(m_observers, observer);
     }
 
-    sdk::Model model() const override
-    {
-        return sdk::Model{m_behaviour == "hostile" ? "Awkward \x1b[2J" : "Awkward 1"};
-    }
+    sdk::Model model() const override { return sdk::Model{m_behaviour == "hostile" ? "Awkward \x1b[2J" : "Awkward 1"}; }
 
 private:
     using ICalibrationController = sdk::service::calibrations::ICalibrationController;
