@@ -16,12 +16,11 @@ LongRequest::LongRequest(const Output& output, const std::optional<OperationName
 
 void LongRequest::onProgress(const Progress& progress)
 {
-    const auto show = [this, progress] {
+    m_postbox.post([this, progress] {
         m_last = progress;
         if (m_display)
             m_display->show(progress);
-    };
-    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+    });
 }
 
 void LongRequest::attend(const std::function<void()>& request)
@@ -40,7 +39,7 @@ void LongRequest::attend(const std::function<void()>& request)
     const std::jthread worker{[&] {
         request();
         // After all progress of the request, so that nothing of it is left unseen.
-        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
+        m_postbox.post([&loop] { loop.quit(); });
     }};
     loop.exec();
 }

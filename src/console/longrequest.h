@@ -1,6 +1,7 @@
 #pragma once
 
 #include <console/interruptwarning.h>
+#include <console/postbox.h>
 #include <console/progressdisplay.h>
 #include <utils/association.h>
 
@@ -49,6 +50,7 @@ private:
     std::optional<ProgressDisplay> m_display;
     InterruptWarning* const m_warning;
     std::optional<Progress> m_last;
+    Postbox m_postbox; ///< last: what it calls uses the others
 };
 
 /// Keeps an observer of a control registered for as long as it lives.

@@ -55,7 +55,7 @@ void WatchLoop::attempt(const std::function<void()>& step)
 void WatchLoop::ask(std::function<void()> question)
 {
     m_questions.push_back(std::move(question));
-    QMetaObject::invokeMethod(this, [this] { attempt([this] { putQuestions(); }); }, Qt::QueuedConnection);
+    m_postbox.post([this] { attempt([this] { putQuestions(); }); });
 }
 
 void WatchLoop::putQuestions()
@@ -72,9 +72,8 @@ void WatchLoop::post(QJsonObject json, std::string text)
     const auto now = QDateTime::currentDateTimeUtc();
     json.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
     auto line = fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text);
-    const auto write
-        = [this, json = std::move(json), line = std::move(line)] { show([&] { m_output.result(json, line); }); };
-    QMetaObject::invokeMethod(this, write, Qt::QueuedConnection);
+    m_postbox.post(
+        [this, json = std::move(json), line = std::move(line)] { show([&] { m_output.result(json, line); }); });
 }
 
 void WatchLoop::onLifecycleChanged()

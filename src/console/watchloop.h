@@ -3,6 +3,7 @@
 #include <console/interruptguard.h>
 #include <console/lifecyclewatch.h>
 #include <console/output.h>
+#include <console/postbox.h>
 
 #include <CLI/CLI.hpp>
 
@@ -56,6 +57,7 @@ private:
     platform::InterruptGuard m_interrupt;
     QEventLoop m_loop;
     std::exception_ptr m_failure; ///< no exception may pass through Qt's event loop
+    Postbox m_postbox; ///< last: what it calls uses the others
 };
 
 /// Adds `--count` to a command that watches.
