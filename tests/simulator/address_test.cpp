@@ -32,7 +32,7 @@ OpenError invalid(const char* text)
     return address.error();
 }
 
-TEST(AddressTest, gives_the_default_instrument_when_empty)
+TEST(AddressTest, GivesTheDefaultInstrumentWhenEmpty)
 {
     const auto address = valid("");
     EXPECT_EQ(address.name, QStringLiteral("sim"));
@@ -43,14 +43,14 @@ TEST(AddressTest, gives_the_default_instrument_when_empty)
     EXPECT_EQ(address.settings.faults.dropEvery, 0U);
 }
 
-TEST(AddressTest, takes_a_name_first)
+TEST(AddressTest, TakesANameFirst)
 {
     EXPECT_EQ(valid("bench_2-A").name, QStringLiteral("bench_2-A"));
     EXPECT_EQ(valid("bench2,seed=7").name, QStringLiteral("bench2"));
     EXPECT_EQ(valid("seed=7").name, QStringLiteral("sim"));
 }
 
-TEST(AddressTest, reads_every_option)
+TEST(AddressTest, ReadsEveryOption)
 {
     const auto settings = valid("sim,profile=vell,seed=18446744073709551615,latency=5ms,completion=inline,drop-every=3,"
                                 "drop-chance=0.25,drop-for=2s,fail-next=full,fail-every=4,fail=17,delay-every=5,"
@@ -71,7 +71,7 @@ TEST(AddressTest, reads_every_option)
     EXPECT_EQ(settings.faults.throwEvery, 6U);
 }
 
-TEST(AddressTest, reads_every_profile)
+TEST(AddressTest, ReadsEveryProfile)
 {
     for (const auto& info : profiles()) {
         const auto text = "profile=" + std::string{info.name};
@@ -79,7 +79,7 @@ TEST(AddressTest, reads_every_profile)
     }
 }
 
-TEST(AddressTest, reads_the_options_of_the_memory)
+TEST(AddressTest, ReadsTheOptionsOfTheMemory)
 {
     EXPECT_EQ(valid("").settings.memorySize, std::nullopt);
     EXPECT_EQ(valid("memory-size=4KiB").settings.memorySize, 4096U);
@@ -97,7 +97,7 @@ TEST(AddressTest, reads_the_options_of_the_memory)
     EXPECT_EQ(valid("unplug-every=4").settings.faults.unplugEvery, 4U);
 }
 
-TEST(AddressTest, documents_every_error)
+TEST(AddressTest, DocumentsEveryError)
 {
     for (const auto& option : addressOptions()) {
         if (option.name != u"fail")
@@ -112,7 +112,7 @@ TEST(AddressTest, documents_every_error)
     }
 }
 
-TEST(AddressTest, documents_exactly_the_options_that_it_reads)
+TEST(AddressTest, DocumentsExactlyTheOptionsThatItReads)
 {
     for (const auto& option : addressOptions()) {
         EXPECT_FALSE(option.description.isEmpty());
@@ -124,7 +124,7 @@ TEST(AddressTest, documents_exactly_the_options_that_it_reads)
     }
 }
 
-TEST(AddressTest, documents_every_profile)
+TEST(AddressTest, DocumentsEveryProfile)
 {
     const auto form = addressOptions().first();
     ASSERT_EQ(form.name, QStringLiteral("profile"));
@@ -133,7 +133,7 @@ TEST(AddressTest, documents_every_profile)
     EXPECT_EQ(form.value.split(u'|').size(), static_cast<qsizetype>(profiles().size()));
 }
 
-TEST(AddressTest, documents_defaults_that_mean_the_default)
+TEST(AddressTest, DocumentsDefaultsThatMeanTheDefault)
 {
     for (const auto& option : addressOptions()) {
         if (option.defaultValue == u"never" || option.defaultValue == u"none")
@@ -146,7 +146,7 @@ TEST(AddressTest, documents_defaults_that_mean_the_default)
     EXPECT_EQ(valid("fail-every=1,fail=io").settings.faults.failure, FaultPlan{}.failure);
 }
 
-TEST(AddressTest, lists_the_valid_options_for_an_unknown_one)
+TEST(AddressTest, ListsTheValidOptionsForAnUnknownOne)
 {
     const auto error = invalid("sim,colour=red");
     EXPECT_EQ(error.code, OpenError::Code::InvalidAddress);
@@ -155,14 +155,14 @@ TEST(AddressTest, lists_the_valid_options_for_an_unknown_one)
         EXPECT_TRUE(error.hint.contains(option.name + u'=')) << option.name.toStdString();
 }
 
-TEST(AddressTest, names_the_option_that_is_wrong)
+TEST(AddressTest, NamesTheOptionThatIsWrong)
 {
     EXPECT_TRUE(invalid("sim,bogus=1").message.endsWith(QStringLiteral("there is no option \"bogus\"")));
     EXPECT_TRUE(invalid("sim,bogus").message.endsWith(QStringLiteral("there is no option \"bogus\"")));
     EXPECT_TRUE(invalid("sim,seed").message.endsWith(QStringLiteral("\"\" is not a value of the option \"seed\"")));
 }
 
-TEST(AddressTest, refuses_an_option_that_does_nothing_by_itself)
+TEST(AddressTest, RefusesAnOptionThatDoesNothingByItself)
 {
     const auto fail = invalid("drop-every=2,fail=full");
     EXPECT_TRUE(fail.message.endsWith(QStringLiteral("the option \"fail\" does nothing by itself")));
@@ -174,7 +174,7 @@ TEST(AddressTest, refuses_an_option_that_does_nothing_by_itself)
         EXPECT_EQ(valid(("drop-for=1s," + std::string{cause}).c_str()).settings.faults.dropFor, 1s) << cause;
 }
 
-TEST(AddressTest, explains_the_value_that_is_missing_and_no_other)
+TEST(AddressTest, ExplainsTheValueThatIsMissingAndNoOther)
 {
     EXPECT_EQ(invalid("seed=x").hint, QStringLiteral("Write seed=NUMBER, where NUMBER is a whole number from 0."));
     EXPECT_EQ(invalid("drop-every=x").hint, QStringLiteral("Write drop-every=N, where N is a whole number from 1."));
@@ -188,7 +188,7 @@ TEST(AddressTest, explains_the_value_that_is_missing_and_no_other)
 
 class InvalidAddress : public testing::TestWithParam<const char*> { };
 
-TEST_P(InvalidAddress, is_refused)
+TEST_P(InvalidAddress, IsRefused)
 {
     const auto error = invalid(GetParam());
     EXPECT_EQ(error.code, OpenError::Code::InvalidAddress);
@@ -224,7 +224,7 @@ INSTANTIATE_TEST_SUITE_P(Address, InvalidAddress,
                              "profile=Full", "profile=sable", "profile=", "completion=both", "fail=0", "fail=nothing",
                              "fail-next="));
 
-TEST(AddressTest, accepts_the_limits)
+TEST(AddressTest, AcceptsTheLimits)
 {
     EXPECT_EQ(valid("drop-every=18446744073709551615").settings.faults.dropEvery, 18446744073709551615U);
     EXPECT_EQ(valid("latency=86400s").settings.latency, 24h);
@@ -235,7 +235,7 @@ TEST(AddressTest, accepts_the_limits)
     EXPECT_EQ(valid("drop-chance=0").settings.faults.dropChance, 0.0);
 }
 
-RC_GTEST_PROP(AddressTest, never_stumbles_over_any_text, (const std::string& text))
+RC_GTEST_PROP(AddressTest, NeverStumblesOverAnyText, (const std::string& text))
 {
     const auto address = parseAddress(QString::fromUtf8(text));
     if (address)
@@ -244,8 +244,7 @@ RC_GTEST_PROP(AddressTest, never_stumbles_over_any_text, (const std::string& tex
         RC_ASSERT(address.error().code == OpenError::Code::InvalidAddress);
 }
 
-RC_GTEST_PROP(AddressTest, reads_back_any_numbers,
-              (std::uint64_t seed, std::uint32_t count, std::uint16_t milliseconds))
+RC_GTEST_PROP(AddressTest, ReadsBackAnyNumbers, (std::uint64_t seed, std::uint32_t count, std::uint16_t milliseconds))
 {
     const auto text
         = QStringLiteral("sim,seed=%1,latency=%2ms,drop-every=%3").arg(seed).arg(milliseconds).arg(count + 1ULL);

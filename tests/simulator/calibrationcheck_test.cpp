@@ -43,7 +43,7 @@ SystemTerms termsFor(const std::vector<double>& frequencies, const sdk::Frequenc
     return {test::measured, plan, test::makeTerms(frequencies), test::warm};
 }
 
-TEST(SystemTermsCheckTest, names_the_reason_of_a_refusal)
+TEST(SystemTermsCheckTest, NamesTheReasonOfARefusal)
 {
     using D = SystemTerms;
     const auto good = test::Kind<test::Terms>::data();
@@ -115,7 +115,7 @@ TEST(SystemTermsCheckTest, names_the_reason_of_a_refusal)
         });
 }
 
-TEST(SystemTermsCheckTest, takes_another_plan_where_that_is_supported)
+TEST(SystemTermsCheckTest, TakesAnotherPlanWhereThatIsSupported)
 {
     const auto other = termsFor({100e3, 8.5e9}, {{{100e3, 100e3, 1}, {8.5e9, 8.5e9, 1}}});
     EXPECT_EQ(check(other, {}), std::nullopt);
@@ -128,7 +128,7 @@ TEST(SystemTermsCheckTest, takes_another_plan_where_that_is_supported)
     EXPECT_EQ(check(empty, limits), TermsError::OverrideNotSupported) << "before all other reasons";
 }
 
-TEST(SystemTermsCheckTest, has_room_for_so_many_points)
+TEST(SystemTermsCheckTest, HasRoomForSoManyPoints)
 {
     const auto many = [](std::int32_t count) {
         const sdk::FrequencyPlan plan{{{1e6, 8e9, count}}};
@@ -138,7 +138,7 @@ TEST(SystemTermsCheckTest, has_room_for_so_many_points)
     EXPECT_EQ(check(many(20'002), {}), TermsError::WriteFailed);
 }
 
-TEST(SystemTermsCheckTest, wants_the_ports_of_the_instrument)
+TEST(SystemTermsCheckTest, WantsThePortsOfTheInstrument)
 {
     auto data = test::Kind<test::Terms>::data();
     for (const std::uint32_t portCount : {1U, 3U, 4U}) {
@@ -151,7 +151,7 @@ TEST(SystemTermsCheckTest, wants_the_ports_of_the_instrument)
     }
 }
 
-TEST(IfswCheckTest, names_the_reason_of_a_refusal)
+TEST(IfswCheckTest, NamesTheReasonOfARefusal)
 {
     using D = IfswCalibration;
     std::vector<Case<IfswError, D>> cases{
@@ -190,7 +190,7 @@ TEST(IfswCheckTest, names_the_reason_of_a_refusal)
     expectErrors(test::makeIfsw(), cases);
 }
 
-TEST(PowerCheckTest, names_the_reason_of_a_refusal)
+TEST(PowerCheckTest, NamesTheReasonOfARefusal)
 {
     using D = PowerCalibration;
     constexpr auto nanF = std::numeric_limits<float>::quiet_NaN();
@@ -221,7 +221,7 @@ TEST(PowerCheckTest, names_the_reason_of_a_refusal)
         });
 }
 
-TEST(CalibrationLimitsTest, are_those_of_the_family)
+TEST(CalibrationLimitsTest, AreThoseOfTheFamily)
 {
     for (const auto& family : families()) {
         const auto limits = calibrationLimits(family.profile, family.model());
@@ -234,7 +234,7 @@ TEST(CalibrationLimitsTest, are_those_of_the_family)
     }
 }
 
-TEST(ArchiveTest, gives_back_what_was_written)
+TEST(ArchiveTest, GivesBackWhatWasWritten)
 {
     const auto expectSame = [](const auto& data) {
         const Writer writer{data};
@@ -250,7 +250,7 @@ TEST(ArchiveTest, gives_back_what_was_written)
     expectSame(SystemTerms{});
 }
 
-TEST(ArchiveTest, notices_bytes_that_are_missing_or_too_many)
+TEST(ArchiveTest, NoticesBytesThatAreMissingOrTooMany)
 {
     const Writer writer{test::Kind<test::Ifsw>::data()};
     for (const auto& bytes : {writer.bytes().chopped(1), writer.bytes().left(7), writer.bytes() + 'x', QByteArray{}}) {
@@ -261,7 +261,7 @@ TEST(ArchiveTest, notices_bytes_that_are_missing_or_too_many)
     }
 }
 
-TEST(ArchiveTest, takes_any_bytes_without_running_out_of_memory)
+TEST(ArchiveTest, TakesAnyBytesWithoutRunningOutOfMemory)
 {
     std::mt19937 random{1};
     for (int round = 0; round < 2000; ++round) {

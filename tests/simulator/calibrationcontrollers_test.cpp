@@ -74,13 +74,13 @@ protected:
     UnitObserver observer{journal};
 };
 
-TEST_F(CalibrationControllerTest, has_units_that_are_empty_at_first)
+TEST_F(CalibrationControllerTest, HasUnitsThatAreEmptyAtFirst)
 {
     EXPECT_THAT(units(Calibration::firstKey), ElementsAre("System terms empty"));
     EXPECT_THAT(units(Calibration::secondKey), ElementsAre("IF switches empty", "Power empty"));
 }
 
-TEST_F(CalibrationControllerTest, tells_how_a_unit_is_saved)
+TEST_F(CalibrationControllerTest, TellsHowAUnitIsSaved)
 {
     controller(Calibration::firstKey)->addObserver(&observer);
     writeTerms();
@@ -94,7 +94,7 @@ TEST_F(CalibrationControllerTest, tells_how_a_unit_is_saved)
     EXPECT_THAT(units(Calibration::secondKey), ElementsAre("IF switches empty", "Power empty"));
 }
 
-TEST_F(CalibrationControllerTest, tells_of_its_own_units_alone)
+TEST_F(CalibrationControllerTest, TellsOfItsOwnUnitsAlone)
 {
     controller(Calibration::secondKey)->addObserver(&observer);
     writeTerms();
@@ -115,7 +115,7 @@ TEST_F(CalibrationControllerTest, tells_of_its_own_units_alone)
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_F(CalibrationControllerTest, brackets_the_saving_with_start_and_end_of_the_write)
+TEST_F(CalibrationControllerTest, BracketsTheSavingWithStartAndEndOfTheWrite)
 {
     test::WriteObserver<test::Ifsw> writes{journal, "write "};
     controller(Calibration::secondKey)->addObserver(&observer);
@@ -130,7 +130,7 @@ TEST_F(CalibrationControllerTest, brackets_the_saving_with_start_and_end_of_the_
                 ElementsAre("write 100 %", "IF switches 18/18", "IF switches valid", "write finished"));
 }
 
-TEST_F(CalibrationControllerTest, says_nothing_of_a_write_that_is_refused)
+TEST_F(CalibrationControllerTest, SaysNothingOfAWriteThatIsRefused)
 {
     controller(Calibration::firstKey)->addObserver(&observer);
     Kind<test::Terms>::refuse(*instrument.control<test::Terms>());
@@ -138,7 +138,7 @@ TEST_F(CalibrationControllerTest, says_nothing_of_a_write_that_is_refused)
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_F(CalibrationControllerTest, goes_back_to_what_was_after_an_interruption)
+TEST_F(CalibrationControllerTest, GoesBackToWhatWasAfterAnInterruption)
 {
     FaultPlan plan;
     plan.powerLossEvery = 1;
@@ -153,7 +153,7 @@ TEST_F(CalibrationControllerTest, goes_back_to_what_was_after_an_interruption)
     }
 }
 
-TEST_F(CalibrationControllerTest, keeps_its_units_from_offer_to_offer_and_ends_the_registrations)
+TEST_F(CalibrationControllerTest, KeepsItsUnitsFromOfferToOfferAndEndsTheRegistrations)
 {
     const auto held = controller(Calibration::firstKey);
     const auto before = held->units();
@@ -166,7 +166,7 @@ TEST_F(CalibrationControllerTest, keeps_its_units_from_offer_to_offer_and_ends_t
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_F(CalibrationControllerTest, finds_terms_invalid_that_do_not_fit_the_model_any_more)
+TEST_F(CalibrationControllerTest, FindsTermsInvalidThatDoNotFitTheModelAnyMore)
 {
     writeTerms();
     become(instrument, sdk::models::multiport::lum::lum901);
@@ -176,7 +176,7 @@ TEST_F(CalibrationControllerTest, finds_terms_invalid_that_do_not_fit_the_model_
     EXPECT_THAT(units(Calibration::firstKey), ElementsAre("System terms valid"));
 }
 
-TEST_F(CalibrationControllerTest, finds_the_terms_of_another_plan_invalid_where_there_can_be_none)
+TEST_F(CalibrationControllerTest, FindsTheTermsOfAnotherPlanInvalidWhereThereCanBeNone)
 {
     const sdk::FrequencyPlan plan{{{1e9, 2e9, 2}}};
     instrument.control<test::Terms>()->writeTermsForPlan(test::measured, plan, test::makeTerms(test::pointsOf(plan)),
@@ -189,7 +189,7 @@ TEST_F(CalibrationControllerTest, finds_the_terms_of_another_plan_invalid_where_
     EXPECT_THAT(units(Calibration::firstKey), ElementsAre("System terms invalid"));
 }
 
-TEST(CalibrationProfileTest, offers_the_factory_calibrations_on_vell_instruments_alone)
+TEST(CalibrationProfileTest, OffersTheFactoryCalibrationsOnVellInstrumentsAlone)
 {
     for (const auto& info : profiles()) {
         Settings settings;
@@ -204,7 +204,7 @@ TEST(CalibrationProfileTest, offers_the_factory_calibrations_on_vell_instruments
     }
 }
 
-TEST(CalibrationProfileTest, has_room_for_so_many_points)
+TEST(CalibrationProfileTest, HasRoomForSoManyPoints)
 {
     EXPECT_EQ(ManualInstrument{}.control<test::Terms>()->maximumPointCount(), CalibrationLimits::maximumPointCount);
 }

@@ -25,7 +25,7 @@ protected:
 
 TYPED_TEST_SUITE(CalibrationFaultTest, test::AllKinds);
 
-TYPED_TEST(CalibrationFaultTest, of_a_request_is_an_error_alone)
+TYPED_TEST(CalibrationFaultTest, OfARequestIsAnErrorAlone)
 {
     CalibratedInstrument<TypeParam> instrument;
     FaultPlan plan;
@@ -38,7 +38,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_request_is_an_error_alone)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished", this->failure, "started", "finished"));
 }
 
-TYPED_TEST(CalibrationFaultTest, of_a_memory_that_is_write_protected_is_an_error_alone)
+TYPED_TEST(CalibrationFaultTest, OfAMemoryThatIsWriteProtectedIsAnErrorAlone)
 {
     CalibratedInstrument<TypeParam> instrument;
     FaultPlan plan;
@@ -54,7 +54,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_memory_that_is_write_protected_is_an_error
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished"));
 }
 
-TYPED_TEST(CalibrationFaultTest, that_throws_writes_nothing)
+TYPED_TEST(CalibrationFaultTest, ThatThrowsWritesNothing)
 {
     CalibratedInstrument<TypeParam> instrument;
     FaultPlan plan;
@@ -67,7 +67,7 @@ TYPED_TEST(CalibrationFaultTest, that_throws_writes_nothing)
     EXPECT_FALSE(instrument.slot().data().has_value());
 }
 
-TYPED_TEST(CalibrationFaultTest, in_the_middle_is_heard_with_the_next_offer_and_leaves_what_is_stored)
+TYPED_TEST(CalibrationFaultTest, InTheMiddleIsHeardWithTheNextOfferAndLeavesWhatIsStored)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.write();
@@ -91,7 +91,7 @@ TYPED_TEST(CalibrationFaultTest, in_the_middle_is_heard_with_the_next_offer_and_
     }
 }
 
-TYPED_TEST(CalibrationFaultTest, of_a_drop_in_the_middle_leaves_the_rest_to_the_observers_of_the_next_offer)
+TYPED_TEST(CalibrationFaultTest, OfADropInTheMiddleLeavesTheRestToTheObserversOfTheNextOffer)
 {
     CalibratedInstrument<TypeParam> instrument;
     FaultPlan plan;
@@ -104,7 +104,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_drop_in_the_middle_leaves_the_rest_to_the_
     EXPECT_NE(instrument.control(), control);
 }
 
-TYPED_TEST(CalibrationFaultTest, of_a_drop_keeps_the_end_until_the_next_offer)
+TYPED_TEST(CalibrationFaultTest, OfADropKeepsTheEndUntilTheNextOffer)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.write();
@@ -119,7 +119,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_drop_keeps_the_end_until_the_next_offer)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("finished", "error 1"));
 }
 
-TYPED_TEST(CalibrationFaultTest, of_a_drop_keeps_the_start_until_the_next_offer)
+TYPED_TEST(CalibrationFaultTest, OfADropKeepsTheStartUntilTheNextOffer)
 {
     CalibratedInstrument<TypeParam> instrument;
     const auto control = instrument.control();
@@ -133,7 +133,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_drop_keeps_the_start_until_the_next_offer)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("finished"));
 }
 
-TEST(CalibrationOfferTest, keeps_the_end_while_a_model_is_offered_that_lacks_the_control)
+TEST(CalibrationOfferTest, KeepsTheEndWhileAModelIsOfferedThatLacksTheControl)
 {
     Settings settings;
     settings.profile = Profile::Vell;
@@ -149,7 +149,7 @@ TEST(CalibrationOfferTest, keeps_the_end_while_a_model_is_offered_that_lacks_the
     EXPECT_THAT(instrument.journal.take(), ElementsAre("finished"));
 }
 
-TYPED_TEST(CalibrationFaultTest, of_a_drop_ends_the_registrations)
+TYPED_TEST(CalibrationFaultTest, OfADropEndsTheRegistrations)
 {
     CalibratedInstrument<TypeParam> instrument;
     test::Journal journal;
@@ -165,7 +165,7 @@ TYPED_TEST(CalibrationFaultTest, of_a_drop_ends_the_registrations)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished"));
 }
 
-TYPED_TEST(CalibrationFaultTest, of_the_storage_is_an_error_after_the_progress_and_leaves_what_is_stored)
+TYPED_TEST(CalibrationFaultTest, OfTheStorageIsAnErrorAfterTheProgressAndLeavesWhatIsStored)
 {
     struct FullStorage final : Storage {
         [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
@@ -222,7 +222,7 @@ FaultPlan anyFaults(std::mt19937_64& random)
     return plan;
 }
 
-TYPED_TEST(CalibrationFaultTest, of_any_kind_leaves_each_write_exactly_one_end)
+TYPED_TEST(CalibrationFaultTest, OfAnyKindLeavesEachWriteExactlyOneEnd)
 {
     std::mt19937_64 random{4};
     for (int round = 0; round < 150; ++round) {

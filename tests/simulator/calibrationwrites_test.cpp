@@ -23,12 +23,12 @@ class CalibrationWriteTest : public testing::Test { };
 
 TYPED_TEST_SUITE(CalibrationWriteTest, test::AllKinds);
 
-TYPED_TEST(CalibrationWriteTest, is_for_the_points_of_a_plan)
+TYPED_TEST(CalibrationWriteTest, IsForThePointsOfAPlan)
 {
     EXPECT_EQ(CalibratedInstrument<TypeParam>{}.control()->frequencyPlan(), Kind<TypeParam>::plan());
 }
 
-TYPED_TEST(CalibrationWriteTest, tells_its_start_its_progress_and_its_end)
+TYPED_TEST(CalibrationWriteTest, TellsItsStartItsProgressAndItsEnd)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.write();
@@ -43,7 +43,7 @@ TYPED_TEST(CalibrationWriteTest, tells_its_start_its_progress_and_its_end)
     EXPECT_EQ(events.back(), "finished");
 }
 
-TYPED_TEST(CalibrationWriteTest, takes_its_time)
+TYPED_TEST(CalibrationWriteTest, TakesItsTime)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.write();
@@ -55,7 +55,7 @@ TYPED_TEST(CalibrationWriteTest, takes_its_time)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("100 %", "finished"));
 }
 
-TYPED_TEST(CalibrationWriteTest, stores_the_data_before_it_tells_its_end)
+TYPED_TEST(CalibrationWriteTest, StoresTheDataBeforeItTellsItsEnd)
 {
     CalibratedInstrument<TypeParam> instrument;
     int before = 0;
@@ -68,7 +68,7 @@ TYPED_TEST(CalibrationWriteTest, stores_the_data_before_it_tells_its_end)
     EXPECT_TRUE(instrument.slot().data() == Kind<TypeParam>::data());
 }
 
-TYPED_TEST(CalibrationWriteTest, waits_for_the_one_before_it)
+TYPED_TEST(CalibrationWriteTest, WaitsForTheOneBeforeIt)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.write();
@@ -82,7 +82,7 @@ TYPED_TEST(CalibrationWriteTest, waits_for_the_one_before_it)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("finished"));
 }
 
-TYPED_TEST(CalibrationWriteTest, that_is_refused_tells_its_error_alone_and_leaves_what_is_stored)
+TYPED_TEST(CalibrationWriteTest, ThatIsRefusedTellsItsErrorAloneAndLeavesWhatIsStored)
 {
     CalibratedInstrument<TypeParam> instrument;
     instrument.refuse();
@@ -95,7 +95,7 @@ TYPED_TEST(CalibrationWriteTest, that_is_refused_tells_its_error_alone_and_leave
     EXPECT_TRUE(instrument.slot().data().has_value());
 }
 
-TYPED_TEST(CalibrationWriteTest, is_heard_by_every_observer_once_for_as_long_as_it_is_registered)
+TYPED_TEST(CalibrationWriteTest, IsHeardByEveryObserverOnceForAsLongAsItIsRegistered)
 {
     CalibratedInstrument<TypeParam> instrument;
     test::Journal otherJournal;
@@ -111,7 +111,7 @@ TYPED_TEST(CalibrationWriteTest, is_heard_by_every_observer_once_for_as_long_as_
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished"));
 }
 
-TYPED_TEST(CalibrationWriteTest, can_be_asked_for_from_the_end_of_another_one)
+TYPED_TEST(CalibrationWriteTest, CanBeAskedForFromTheEndOfAnotherOne)
 {
     CalibratedInstrument<TypeParam> instrument;
     int writes = 1;
@@ -125,7 +125,7 @@ TYPED_TEST(CalibrationWriteTest, can_be_asked_for_from_the_end_of_another_one)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished", "started", "finished"));
 }
 
-TYPED_TEST(CalibrationWriteTest, keeps_its_place_when_it_is_delayed)
+TYPED_TEST(CalibrationWriteTest, KeepsItsPlaceWhenItIsDelayed)
 {
     CalibratedInstrument<TypeParam> instrument;
     FaultPlan plan;
@@ -143,7 +143,7 @@ TYPED_TEST(CalibrationWriteTest, keeps_its_place_when_it_is_delayed)
     EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished", "error 1"));
 }
 
-TYPED_TEST(CalibrationWriteTest, takes_no_time_at_unlimited_speed)
+TYPED_TEST(CalibrationWriteTest, TakesNoTimeAtUnlimitedSpeed)
 {
     Settings settings;
     settings.speed = std::numeric_limits<double>::infinity();
@@ -157,7 +157,7 @@ TYPED_TEST(CalibrationWriteTest, takes_no_time_at_unlimited_speed)
     EXPECT_THAT(test::ends(journal.take()), ElementsAre("started", "finished"));
 }
 
-TYPED_TEST(CalibrationWriteTest, is_told_on_the_instruments_thread_in_the_inline_mode_too)
+TYPED_TEST(CalibrationWriteTest, IsToldOnTheInstrumentsThreadInTheInlineModeToo)
 {
     Settings settings;
     settings.completion = CompletionMode::Inline;
@@ -173,7 +173,7 @@ TYPED_TEST(CalibrationWriteTest, is_told_on_the_instruments_thread_in_the_inline
     EXPECT_NE(thread, std::this_thread::get_id());
 }
 
-TYPED_TEST(CalibrationWriteTest, goes_on_without_a_word_when_the_instrument_is_destroyed)
+TYPED_TEST(CalibrationWriteTest, GoesOnWithoutAWordWhenTheInstrumentIsDestroyed)
 {
     CalibratedInstrument<TypeParam> instrument;
     const auto control = instrument.control();
@@ -202,7 +202,7 @@ struct Everything : test::ManualInstrument {
     test::WriteObserver<test::Power> power{journal, "power "};
 };
 
-TEST(CalibrationMemoryTest, carries_out_the_writes_of_all_controls_in_the_order_in_which_they_came)
+TEST(CalibrationMemoryTest, CarriesOutTheWritesOfAllControlsInTheOrderInWhichTheyCame)
 {
     Everything instrument;
     Kind<test::Power>::write(*instrument.control<test::Power>());
@@ -215,7 +215,7 @@ TEST(CalibrationMemoryTest, carries_out_the_writes_of_all_controls_in_the_order_
                             "ifsw finished"));
 }
 
-TEST(CalibrationMemoryTest, is_busy_for_a_memory_operation_while_it_is_written)
+TEST(CalibrationMemoryTest, IsBusyForAMemoryOperationWhileItIsWritten)
 {
     Everything instrument;
     Kind<test::Power>::write(*instrument.control<test::Power>());
@@ -228,7 +228,7 @@ TEST(CalibrationMemoryTest, is_busy_for_a_memory_operation_while_it_is_written)
     EXPECT_EQ(result, success);
 }
 
-TEST(CalibrationMemoryTest, is_written_when_a_memory_operation_has_ended)
+TEST(CalibrationMemoryTest, IsWrittenWhenAMemoryOperationHasEnded)
 {
     Everything instrument;
     instrument.control<test::Memory>()->erase([&](auto) { instrument.journal.note("erased"); });

@@ -21,7 +21,7 @@ using testing::IsEmpty;
 
 const std::error_code success;
 
-TEST(CompletionTest, comes_on_the_instruments_thread)
+TEST(CompletionTest, ComesOnTheInstrumentsThread)
 {
     const ManualInstrument instrument;
     std::promise<std::thread::id> thread;
@@ -29,7 +29,7 @@ TEST(CompletionTest, comes_on_the_instruments_thread)
     EXPECT_NE(thread.get_future().get(), std::this_thread::get_id());
 }
 
-TEST(CompletionTest, comes_inside_the_call_in_the_inline_mode)
+TEST(CompletionTest, ComesInsideTheCallInTheInlineMode)
 {
     const ManualInstrument instrument{withFaults({}, CompletionMode::Inline)};
     std::thread::id thread;
@@ -37,7 +37,7 @@ TEST(CompletionTest, comes_inside_the_call_in_the_inline_mode)
     EXPECT_EQ(thread, std::this_thread::get_id());
 }
 
-TEST(CompletionTest, comes_after_the_latency)
+TEST(CompletionTest, ComesAfterTheLatency)
 {
     Settings settings;
     settings.latency = 5ms;
@@ -52,7 +52,7 @@ TEST(CompletionTest, comes_after_the_latency)
     EXPECT_EQ(completed, 1);
 }
 
-TEST(CompletionTest, may_start_the_next_request_and_drop_the_controls)
+TEST(CompletionTest, MayStartTheNextRequestAndDropTheControls)
 {
     WatchedInstrument instrument;
     const auto files = instrument.control<test::Files>();
@@ -66,7 +66,7 @@ TEST(CompletionTest, may_start_the_next_request_and_drop_the_controls)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released"));
 }
 
-TEST(CompletionTest, comes_once_for_each_request_when_the_controls_are_dropped_meanwhile)
+TEST(CompletionTest, ComesOnceForEachRequestWhenTheControlsAreDroppedMeanwhile)
 {
     Settings settings;
     settings.latency = 1s;
@@ -81,7 +81,7 @@ TEST(CompletionTest, comes_once_for_each_request_when_the_controls_are_dropped_m
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST(CompletionTest, comes_once_for_each_request_when_the_device_is_destroyed)
+TEST(CompletionTest, ComesOnceForEachRequestWhenTheDeviceIsDestroyed)
 {
     Settings settings;
     settings.latency = 1h;
@@ -92,7 +92,7 @@ TEST(CompletionTest, comes_once_for_each_request_when_the_device_is_destroyed)
     EXPECT_THAT(journal.take(), ElementsAre("0", "1", "2", "3", "4"));
 }
 
-TEST(CompletionTest, comes_for_a_control_that_outlives_the_device)
+TEST(CompletionTest, ComesForAControlThatOutlivesTheDevice)
 {
     ManualInstrument instrument{withFaults(dropEvery(1))};
     const auto files = instrument.control<test::Files>();
@@ -101,7 +101,7 @@ TEST(CompletionTest, comes_for_a_control_that_outlives_the_device)
     EXPECT_EQ(test::read(*files, "f").first, (test::Bytes{1}));
 }
 
-TEST(CompletionTest, may_let_go_of_the_device)
+TEST(CompletionTest, MayLetGoOfTheDevice)
 {
     ManualInstrument instrument;
     std::promise<void> gone;
@@ -113,7 +113,7 @@ TEST(CompletionTest, may_let_go_of_the_device)
     EXPECT_EQ(instrument.vna, nullptr);
 }
 
-TEST(DelayTest, makes_a_request_later)
+TEST(DelayTest, MakesARequestLater)
 {
     FaultPlan plan;
     plan.delayEvery = 2;

@@ -17,7 +17,7 @@ using test::TemperatureObserver;
 
 constexpr float loLeakageAfterOneTau = 2.528482F; // 4 K (1 - 1/e)
 
-TEST(LoLeakageTest, is_off_until_it_is_switched_on)
+TEST(LoLeakageTest, IsOffUntilItIsSwitchedOn)
 {
     const ManualInstrument instrument;
     auto& leakage = *instrument.control<test::Leakage>();
@@ -28,7 +28,7 @@ TEST(LoLeakageTest, is_off_until_it_is_switched_on)
     EXPECT_FALSE(leakage.isEnabled());
 }
 
-TEST(LoLeakageTest, heats_the_lo_module)
+TEST(LoLeakageTest, HeatsTheLoModule)
 {
     ManualInstrument leaking;
     ManualInstrument silent;
@@ -47,13 +47,13 @@ protected:
     std::shared_ptr<test::Temperature> temperature = instrument.control<test::Temperature>();
 };
 
-TEST_F(TemperatureTest, measures_at_switch_on)
+TEST_F(TemperatureTest, MeasuresAtSwitchOn)
 {
     EXPECT_EQ(temperature->moduleTemperatures().size(), 5U);
     EXPECT_NEAR(temperature->temperature(), 23.0F, 0.6F);
 }
 
-TEST_F(TemperatureTest, tells_its_observers_once_a_second)
+TEST_F(TemperatureTest, TellsItsObserversOnceASecond)
 {
     int notified = 0;
     TemperatureObserver observer{[&] { ++notified; }};
@@ -70,7 +70,7 @@ TEST_F(TemperatureTest, tells_its_observers_once_a_second)
     EXPECT_EQ(notified, 11);
 }
 
-TEST_F(TemperatureTest, keeps_the_values_of_the_last_measurement)
+TEST_F(TemperatureTest, KeepsTheValuesOfTheLastMeasurement)
 {
     const auto first = temperature->temperature();
     instrument.advance(999ms);
@@ -79,7 +79,7 @@ TEST_F(TemperatureTest, keeps_the_values_of_the_last_measurement)
     EXPECT_GT(temperature->temperature(), first);
 }
 
-TEST_F(TemperatureTest, shows_the_new_values_inside_the_notification)
+TEST_F(TemperatureTest, ShowsTheNewValuesInsideTheNotification)
 {
     float before = temperature->temperature();
     bool isWarmer = false;
@@ -90,7 +90,7 @@ TEST_F(TemperatureTest, shows_the_new_values_inside_the_notification)
     EXPECT_TRUE(isWarmer);
 }
 
-TEST_F(TemperatureTest, leaves_the_map_that_a_thread_was_given_until_that_thread_asks_again)
+TEST_F(TemperatureTest, LeavesTheMapThatAThreadWasGivenUntilThatThreadAsksAgain)
 {
     const auto& mine = temperature->moduleTemperatures();
     const auto copy = mine;
@@ -103,7 +103,7 @@ TEST_F(TemperatureTest, leaves_the_map_that_a_thread_was_given_until_that_thread
     EXPECT_NE(temperature->moduleTemperatures(), copy);
 }
 
-TEST_F(TemperatureTest, lets_every_thread_walk_its_map_while_the_instrument_measures)
+TEST_F(TemperatureTest, LetsEveryThreadWalkItsMapWhileTheInstrumentMeasures)
 {
     std::vector<std::jthread> walkers;
     for (int thread = 0; thread < 4; ++thread) {
@@ -117,7 +117,7 @@ TEST_F(TemperatureTest, lets_every_thread_walk_its_map_while_the_instrument_meas
     instrument.advance(100s);
 }
 
-TEST_F(TemperatureTest, waits_for_a_running_notification_before_removal_returns)
+TEST_F(TemperatureTest, WaitsForARunningNotificationBeforeRemovalReturns)
 {
     const tests::ObservedThread remover;
     std::promise<void> entered;
@@ -140,7 +140,7 @@ TEST_F(TemperatureTest, waits_for_a_running_notification_before_removal_returns)
     EXPECT_TRUE(hasLeft);
 }
 
-TEST_F(TemperatureTest, takes_a_registration_through_a_held_control_for_the_offer_of_that_time)
+TEST_F(TemperatureTest, TakesARegistrationThroughAHeldControlForTheOfferOfThatTime)
 {
     int notified = 0;
     TemperatureObserver observer{[&] { ++notified; }};
@@ -155,7 +155,7 @@ TEST_F(TemperatureTest, takes_a_registration_through_a_held_control_for_the_offe
     temperature->removeObserver(&observer);
 }
 
-TEST_F(TemperatureTest, ends_a_registration_when_the_control_is_dropped)
+TEST_F(TemperatureTest, EndsARegistrationWhenTheControlIsDropped)
 {
     int notified = 0;
     TemperatureObserver observer{[&] { ++notified; }};
@@ -172,7 +172,7 @@ TEST_F(TemperatureTest, ends_a_registration_when_the_control_is_dropped)
     EXPECT_EQ(notified, 2);
 }
 
-TEST_F(TemperatureTest, goes_on_measuring_when_an_observer_throws)
+TEST_F(TemperatureTest, GoesOnMeasuringWhenAnObserverThrows)
 {
     TemperatureObserver thrower{[] { throw std::runtime_error{"no"}; }};
     int notified = 0;
@@ -183,7 +183,7 @@ TEST_F(TemperatureTest, goes_on_measuring_when_an_observer_throws)
     EXPECT_EQ(notified, 3);
 }
 
-TEST(SeedTest, makes_the_same_instrument_of_the_same_seed)
+TEST(SeedTest, MakesTheSameInstrumentOfTheSameSeed)
 {
     const auto measured = [](std::uint64_t seed) {
         Settings settings;

@@ -101,7 +101,7 @@ void setEntry(QJsonObject& index, const char* member, const QJsonValue& value)
     setSection(index, "files", QJsonArray{entryWith(member, value)});
 }
 
-TEST_P(DamagedState, is_refused_and_not_touched)
+TEST_P(DamagedState, IsRefusedAndNotTouched)
 {
     auto index = QJsonDocument::fromJson(contentsOf(file("index.json"))).object();
     GetParam().apply(index);
@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
 class DamagedSections : public DamagedState { };
 
 /// What the damages of the sections differ from is not damaged.
-TEST_F(DamagedSections, would_be_taken_without_the_damage)
+TEST_F(DamagedSections, WouldBeTakenWithoutTheDamage)
 {
     auto index = QJsonDocument::fromJson(contentsOf(file("index.json"))).object();
     setMemory(index, nullptr, {});
@@ -227,7 +227,7 @@ TEST_F(DamagedSections, would_be_taken_without_the_damage)
 
 class AlteredState : public DamagedState { };
 
-TEST_F(AlteredState, is_refused_when_the_index_is_cut_short)
+TEST_F(AlteredState, IsRefusedWhenTheIndexIsCutShort)
 {
     const auto whole = contentsOf(file("index.json"));
     for (const auto length : {qsizetype{0}, qsizetype{1}, whole.size() / 2, whole.size() - 3}) {
@@ -236,7 +236,7 @@ TEST_F(AlteredState, is_refused_when_the_index_is_cut_short)
     }
 }
 
-TEST_F(AlteredState, is_refused_when_a_block_is_altered)
+TEST_F(AlteredState, IsRefusedWhenABlockIsAltered)
 {
     ASSERT_EQ(blocks().size(), 1);
     const auto block = file("blocks") + u'/' + blocks().first();
@@ -246,7 +246,7 @@ TEST_F(AlteredState, is_refused_when_a_block_is_altered)
     expectRefusal(block);
 }
 
-TEST_F(AlteredState, is_refused_when_a_block_is_missing)
+TEST_F(AlteredState, IsRefusedWhenABlockIsMissing)
 {
     ASSERT_EQ(blocks().size(), 1);
     const auto block = file("blocks") + u'/' + blocks().first();
@@ -254,7 +254,7 @@ TEST_F(AlteredState, is_refused_when_a_block_is_missing)
     expectRefusal(block);
 }
 
-TEST_F(AlteredState, is_refused_when_the_block_of_a_calibration_is_empty)
+TEST_F(AlteredState, IsRefusedWhenTheBlockOfACalibrationIsEmpty)
 {
     writeOnce("f", {});
     auto index = QJsonDocument::fromJson(contentsOf(file("index.json"))).object();
@@ -264,7 +264,7 @@ TEST_F(AlteredState, is_refused_when_the_block_of_a_calibration_is_empty)
     expectRefusal(file("index.json"));
 }
 
-TEST_F(AlteredState, is_refused_when_the_index_is_missing)
+TEST_F(AlteredState, IsRefusedWhenTheIndexIsMissing)
 {
     ASSERT_TRUE(QFile::remove(file("index.json")));
     expectRefusal(file("index.json"));

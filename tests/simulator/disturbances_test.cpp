@@ -28,7 +28,7 @@ class DropTest : public testing::TestWithParam<CompletionMode> { };
 
 INSTANTIATE_TEST_SUITE_P(Modes, DropTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(DropTest, comes_after_a_request_was_taken_and_before_its_completion)
+TEST_P(DropTest, ComesAfterARequestWasTakenAndBeforeItsCompletion)
 {
     WatchedInstrument instrument{withFaults(dropEvery(2), GetParam())};
     const auto files = instrument.control<test::Files>();
@@ -43,7 +43,7 @@ TEST_P(DropTest, comes_after_a_request_was_taken_and_before_its_completion)
     EXPECT_NE(instrument.control<test::Files>(), files);
 }
 
-TEST_P(DropTest, comes_with_a_plain_operation_on_the_instruments_thread)
+TEST_P(DropTest, ComesWithAPlainOperationOnTheInstrumentsThread)
 {
     WatchedInstrument instrument{withFaults(dropEvery(2), GetParam())};
     const auto caller = std::this_thread::get_id();
@@ -55,7 +55,7 @@ TEST_P(DropTest, comes_with_a_plain_operation_on_the_instruments_thread)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released", "available"));
 }
 
-TEST_P(DropTest, does_not_wait_with_a_plain_operation_for_an_observer)
+TEST_P(DropTest, DoesNotWaitWithAPlainOperationForAnObserver)
 {
     WatchedInstrument instrument{withFaults(dropEvery(1), GetParam())};
     std::mutex hosts;
@@ -70,7 +70,7 @@ TEST_P(DropTest, does_not_wait_with_a_plain_operation_for_an_observer)
                 ElementsAre("about to be released", "available", "about to be released", "available"));
 }
 
-TEST_P(DropTest, is_not_caused_by_what_an_observer_does)
+TEST_P(DropTest, IsNotCausedByWhatAnObserverDoes)
 {
     WatchedInstrument instrument{withFaults(dropEvery(1), GetParam())};
     instrument.observer.atOffer = [&] {
@@ -82,7 +82,7 @@ TEST_P(DropTest, is_not_caused_by_what_an_observer_does)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released", "available", "completed"));
 }
 
-TEST_P(DropTest, keeps_the_controls_away_for_a_time)
+TEST_P(DropTest, KeepsTheControlsAwayForATime)
 {
     auto plan = dropEvery(1);
     plan.dropFor = 2s;
@@ -97,7 +97,7 @@ TEST_P(DropTest, keeps_the_controls_away_for_a_time)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released", "available"));
 }
 
-TEST_P(DropTest, that_was_asked_for_is_not_ended_by_an_earlier_one)
+TEST_P(DropTest, ThatWasAskedForIsNotEndedByAnEarlierOne)
 {
     auto plan = dropEvery(1);
     plan.dropFor = 2s;
@@ -109,7 +109,7 @@ TEST_P(DropTest, that_was_asked_for_is_not_ended_by_an_earlier_one)
     EXPECT_EQ(instrument.control<test::Files>(), nullptr);
 }
 
-TEST_P(DropTest, that_was_asked_for_is_not_ended_by_a_fault)
+TEST_P(DropTest, ThatWasAskedForIsNotEndedByAFault)
 {
     WatchedInstrument instrument{withFaults(dropEvery(1), GetParam())};
     const auto files = instrument.control<test::Files>();
@@ -119,7 +119,7 @@ TEST_P(DropTest, that_was_asked_for_is_not_ended_by_a_fault)
     EXPECT_EQ(instrument.control<test::Files>(), nullptr);
 }
 
-TEST_P(DropTest, loses_nothing_with_every_operation)
+TEST_P(DropTest, LosesNothingWithEveryOperation)
 {
     WatchedInstrument instrument{withFaults(dropEvery(1), GetParam())};
     for (int i = 0; i < 50; ++i) {
@@ -136,7 +136,7 @@ class FaultTest : public testing::TestWithParam<CompletionMode> { };
 
 INSTANTIATE_TEST_SUITE_P(Modes, FaultTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(FaultTest, fails_the_first_request_and_leaves_the_instrument_unchanged)
+TEST_P(FaultTest, FailsTheFirstRequestAndLeavesTheInstrumentUnchanged)
 {
     FaultPlan plan;
     plan.failNext = Error::Full;
@@ -147,7 +147,7 @@ TEST_P(FaultTest, fails_the_first_request_and_leaves_the_instrument_unchanged)
     EXPECT_EQ(test::write(files, "f", {1}), success);
 }
 
-TEST_P(FaultTest, can_be_told_what_goes_wrong_while_it_runs)
+TEST_P(FaultTest, CanBeToldWhatGoesWrongWhileItRuns)
 {
     const ManualInstrument instrument{withFaults({}, GetParam())};
     auto& files = *instrument.control<test::Files>();
@@ -163,7 +163,7 @@ TEST_P(FaultTest, can_be_told_what_goes_wrong_while_it_runs)
     EXPECT_EQ(test::read(files, "f").second, success);
 }
 
-TEST_P(FaultTest, throws_and_never_completes)
+TEST_P(FaultTest, ThrowsAndNeverCompletes)
 {
     FaultPlan plan;
     plan.throwEvery = 1;
@@ -179,7 +179,7 @@ TEST_P(FaultTest, throws_and_never_completes)
     EXPECT_FALSE(instrument.control<test::Leakage>()->isEnabled());
 }
 
-TEST_P(FaultTest, does_not_disturb_the_registration_of_observers)
+TEST_P(FaultTest, DoesNotDisturbTheRegistrationOfObservers)
 {
     FaultPlan plan;
     plan.throwEvery = 1;

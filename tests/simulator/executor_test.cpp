@@ -27,7 +27,7 @@ protected:
     std::vector<std::string> carriedOut; // by one thread at a time
 };
 
-TEST_F(ExecutorTest, carries_out_tasks_in_the_order_of_their_times)
+TEST_F(ExecutorTest, CarriesOutTasksInTheOrderOfTheirTimes)
 {
     Executor executor{clock};
     executor.post(3s, named("third"));
@@ -38,7 +38,7 @@ TEST_F(ExecutorTest, carries_out_tasks_in_the_order_of_their_times)
     EXPECT_THAT(carriedOut, ElementsAre("first", "second", "third"));
 }
 
-TEST_F(ExecutorTest, keeps_tasks_of_the_same_time_in_the_order_of_posting)
+TEST_F(ExecutorTest, KeepsTasksOfTheSameTimeInTheOrderOfPosting)
 {
     Executor executor{clock};
     for (const auto* const name : {"a", "b", "c", "d"})
@@ -48,7 +48,7 @@ TEST_F(ExecutorTest, keeps_tasks_of_the_same_time_in_the_order_of_posting)
     EXPECT_THAT(carriedOut, ElementsAre("a", "b", "c", "d"));
 }
 
-TEST_F(ExecutorTest, does_nothing_before_its_time)
+TEST_F(ExecutorTest, DoesNothingBeforeItsTime)
 {
     Executor executor{clock};
     executor.post(1s, named("early"));
@@ -60,7 +60,7 @@ TEST_F(ExecutorTest, does_nothing_before_its_time)
     EXPECT_THAT(carriedOut, ElementsAre("early"));
 }
 
-TEST_F(ExecutorTest, carries_out_tasks_on_its_own_thread)
+TEST_F(ExecutorTest, CarriesOutTasksOnItsOwnThread)
 {
     Executor executor{clock};
     std::promise<std::thread::id> thread;
@@ -72,7 +72,7 @@ TEST_F(ExecutorTest, carries_out_tasks_on_its_own_thread)
     EXPECT_FALSE(executor.isCurrent());
 }
 
-TEST_F(ExecutorTest, runs_a_task_and_waits_for_it)
+TEST_F(ExecutorTest, RunsATaskAndWaitsForIt)
 {
     Executor executor{clock};
     executor.run(named("waited for"));
@@ -81,13 +81,13 @@ TEST_F(ExecutorTest, runs_a_task_and_waits_for_it)
     EXPECT_THAT(carriedOut, ElementsAre("waited for", "nested"));
 }
 
-TEST_F(ExecutorTest, passes_on_what_a_task_throws_that_is_waited_for)
+TEST_F(ExecutorTest, PassesOnWhatATaskThrowsThatIsWaitedFor)
 {
     Executor executor{clock};
     EXPECT_THROW(executor.run([] { throw std::domain_error{"no"}; }), std::domain_error);
 }
 
-TEST_F(ExecutorTest, completes_what_somebody_counts_on_when_it_stops)
+TEST_F(ExecutorTest, CompletesWhatSomebodyCountsOnWhenItStops)
 {
     {
         Executor executor{clock};
@@ -98,7 +98,7 @@ TEST_F(ExecutorTest, completes_what_somebody_counts_on_when_it_stops)
     EXPECT_THAT(carriedOut, ElementsAre("request", "later"));
 }
 
-TEST_F(ExecutorTest, carries_out_what_is_posted_while_it_stops)
+TEST_F(ExecutorTest, CarriesOutWhatIsPostedWhileItStops)
 {
     {
         Executor executor{clock};
@@ -110,7 +110,7 @@ TEST_F(ExecutorTest, carries_out_what_is_posted_while_it_stops)
     EXPECT_THAT(carriedOut, ElementsAre("request"));
 }
 
-TEST_F(ExecutorTest, carries_out_at_once_what_is_posted_after_it_has_stopped)
+TEST_F(ExecutorTest, CarriesOutAtOnceWhatIsPostedAfterItHasStopped)
 {
     Executor executor{clock};
     executor.stop();
@@ -121,7 +121,7 @@ TEST_F(ExecutorTest, carries_out_at_once_what_is_posted_after_it_has_stopped)
     EXPECT_THAT(carriedOut, ElementsAre("request", "waited for"));
 }
 
-TEST_F(ExecutorTest, may_be_destroyed_inside_a_task)
+TEST_F(ExecutorTest, MayBeDestroyedInsideATask)
 {
     auto executor = std::make_unique<Executor>(clock);
     std::promise<void> end;
@@ -136,7 +136,7 @@ TEST_F(ExecutorTest, may_be_destroyed_inside_a_task)
     EXPECT_THAT(carriedOut, ElementsAre("outstanding", "destroyed"));
 }
 
-TEST_F(ExecutorTest, knows_its_thread_to_the_end)
+TEST_F(ExecutorTest, KnowsItsThreadToTheEnd)
 {
     Executor executor{clock};
     std::promise<bool> isCurrent;
@@ -148,7 +148,7 @@ TEST_F(ExecutorTest, knows_its_thread_to_the_end)
     EXPECT_FALSE(executor.isCurrent());
 }
 
-TEST_F(ExecutorTest, waits_for_no_task_that_is_discarded)
+TEST_F(ExecutorTest, WaitsForNoTaskThatIsDiscarded)
 {
     Executor executor{clock};
     executor.stop();
@@ -156,7 +156,7 @@ TEST_F(ExecutorTest, waits_for_no_task_that_is_discarded)
     EXPECT_TRUE(carriedOut.empty());
 }
 
-TEST_F(ExecutorTest, wakes_in_real_time)
+TEST_F(ExecutorTest, WakesInRealTime)
 {
     Executor executor{std::make_shared<SteadyClock>()};
     const auto start = std::chrono::steady_clock::now();
@@ -166,7 +166,7 @@ TEST_F(ExecutorTest, wakes_in_real_time)
     EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
 }
 
-TEST(ManualClockTest, wakes_a_sleeper_when_its_time_has_come)
+TEST(ManualClockTest, WakesASleeperWhenItsTimeHasCome)
 {
     ManualClock clock;
     std::promise<tests::ObservedThread> falling;

@@ -63,14 +63,14 @@ protected:
     CorrectionObserver observer{journal};
 };
 
-TEST_F(FactoryCorrectionTest, is_valid_and_on_as_delivered_if_it_needs_no_calibration)
+TEST_F(FactoryCorrectionTest, IsValidAndOnAsDeliveredIfItNeedsNoCalibration)
 {
     EXPECT_EQ(corrections().supportedCorrections(), System | ofPower | ofIfsw | delivered);
     EXPECT_EQ(corrections().validCorrections(), delivered);
     EXPECT_EQ(corrections().enabledCorrections(), delivered);
 }
 
-TEST_F(FactoryCorrectionTest, becomes_valid_with_its_calibration)
+TEST_F(FactoryCorrectionTest, BecomesValidWithItsCalibration)
 {
     write<test::Power>();
     EXPECT_THAT(journal.take(), ElementsAre("valid"));
@@ -84,7 +84,7 @@ TEST_F(FactoryCorrectionTest, becomes_valid_with_its_calibration)
     EXPECT_THAT(journal.take(), IsEmpty()) << "as valid as before";
 }
 
-TEST_F(FactoryCorrectionTest, is_valid_before_the_write_tells_its_end)
+TEST_F(FactoryCorrectionTest, IsValidBeforeTheWriteTellsItsEnd)
 {
     test::WriteObserver<test::Power> writes{journal, "write "};
     instrument.control<test::Power>()->addObserver(&writes);
@@ -92,7 +92,7 @@ TEST_F(FactoryCorrectionTest, is_valid_before_the_write_tells_its_end)
     EXPECT_THAT(test::ends(journal.take()), ElementsAre("write started", "valid", "write finished"));
 }
 
-TEST_F(FactoryCorrectionTest, stays_invalid_when_the_write_fails)
+TEST_F(FactoryCorrectionTest, StaysInvalidWhenTheWriteFails)
 {
     Kind<test::Power>::refuse(*instrument.control<test::Power>());
     instrument.advance(10s);
@@ -104,7 +104,7 @@ TEST_F(FactoryCorrectionTest, stays_invalid_when_the_write_fails)
     EXPECT_EQ(corrections().validCorrections(), delivered);
 }
 
-TEST_F(FactoryCorrectionTest, is_switched_and_tells_so_when_it_was_not_so_before)
+TEST_F(FactoryCorrectionTest, IsSwitchedAndTellsSoWhenItWasNotSoBefore)
 {
     set(Crosstalk, false);
     set(Crosstalk, false);
@@ -119,7 +119,7 @@ TEST_F(FactoryCorrectionTest, is_switched_and_tells_so_when_it_was_not_so_before
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_F(FactoryCorrectionTest, stays_as_it_is_when_it_is_invalid_fixed_or_not_a_single_one)
+TEST_F(FactoryCorrectionTest, StaysAsItIsWhenItIsInvalidFixedOrNotASingleOne)
 {
     for (const auto correction : {None, System, SourcePower, ReferenceOscillator, AdcLinearity,
                                   static_cast<Flag>(1U << 12U), Crosstalk | Temperature}) {
@@ -130,7 +130,7 @@ TEST_F(FactoryCorrectionTest, stays_as_it_is_when_it_is_invalid_fixed_or_not_a_s
     EXPECT_EQ(corrections().enabledCorrections(), delivered);
 }
 
-TEST_F(FactoryCorrectionTest, can_be_switched_unless_it_is_fixed)
+TEST_F(FactoryCorrectionTest, CanBeSwitchedUnlessItIsFixed)
 {
     EXPECT_EQ(corrections().modifiableCorrections(),
               System | ofPower | ofIfsw | PortExtension | Crosstalk | Temperature);
@@ -139,7 +139,7 @@ TEST_F(FactoryCorrectionTest, can_be_switched_unless_it_is_fixed)
     EXPECT_EQ(corrections().enabledCorrections(), delivered | System);
 }
 
-TEST_F(FactoryCorrectionTest, cannot_be_switched_while_its_calibration_is_written)
+TEST_F(FactoryCorrectionTest, CannotBeSwitchedWhileItsCalibrationIsWritten)
 {
     write<test::Terms>();
     Kind<test::Terms>::write(*instrument.control<test::Terms>());
@@ -152,7 +152,7 @@ TEST_F(FactoryCorrectionTest, cannot_be_switched_while_its_calibration_is_writte
     EXPECT_EQ(corrections().modifiableCorrections() & System, System);
 }
 
-TEST_F(FactoryCorrectionTest, is_supported_and_valid_as_the_model_of_the_next_offer_wants)
+TEST_F(FactoryCorrectionTest, IsSupportedAndValidAsTheModelOfTheNextOfferWants)
 {
     write<test::Power>();
     set(Temperature, false);
@@ -176,7 +176,7 @@ TEST_F(FactoryCorrectionTest, is_supported_and_valid_as_the_model_of_the_next_of
     instrument.vna->removeObserver(&lifecycle);
 }
 
-TEST(FactoryCorrectionProfileTest, changes_what_is_supported_when_a_vell_instrument_becomes_another)
+TEST(FactoryCorrectionProfileTest, ChangesWhatIsSupportedWhenAVellInstrumentBecomesAnother)
 {
     Settings settings;
     settings.profile = Profile::Vell;
@@ -198,7 +198,7 @@ TEST(FactoryCorrectionProfileTest, changes_what_is_supported_when_a_vell_instrum
     instrument.vna->removeObserver(&lifecycle);
 }
 
-TEST(FactoryCorrectionProfileTest, tells_nothing_at_an_offer_that_changes_nothing)
+TEST(FactoryCorrectionProfileTest, TellsNothingAtAnOfferThatChangesNothing)
 {
     ManualInstrument instrument;
     Journal journal;

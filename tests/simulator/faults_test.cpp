@@ -29,7 +29,7 @@ bool drops(const Faults::Decision& decision)
     return decision.drops;
 }
 
-TEST(FaultsTest, leaves_operations_alone_without_a_plan)
+TEST(FaultsTest, LeavesOperationsAloneWithoutAPlan)
 {
     Faults faults{{}, 0};
     for (int i = 0; i < 100; ++i) {
@@ -40,7 +40,7 @@ TEST(FaultsTest, leaves_operations_alone_without_a_plan)
     }
 }
 
-TEST(FaultsTest, drops_at_every_nth_operation)
+TEST(FaultsTest, DropsAtEveryNthOperation)
 {
     FaultPlan plan;
     plan.dropEvery = 3;
@@ -50,7 +50,7 @@ TEST(FaultsTest, drops_at_every_nth_operation)
     EXPECT_EQ(faults.nextCall().dropFor, 2s);
 }
 
-TEST(FaultsTest, counts_calls_and_requests_together_for_drops)
+TEST(FaultsTest, CountsCallsAndRequestsTogetherForDrops)
 {
     FaultPlan plan;
     plan.dropEvery = 2;
@@ -61,7 +61,7 @@ TEST(FaultsTest, counts_calls_and_requests_together_for_drops)
     EXPECT_TRUE(faults.nextCall().drops);
 }
 
-TEST(FaultsTest, delays_every_nth_operation)
+TEST(FaultsTest, DelaysEveryNthOperation)
 {
     FaultPlan plan;
     plan.delayEvery = 2;
@@ -72,7 +72,7 @@ TEST(FaultsTest, delays_every_nth_operation)
     EXPECT_EQ(faults.nextCall().delay, Duration{});
 }
 
-TEST(FaultsTest, throws_at_every_nth_operation_and_does_nothing_else_then)
+TEST(FaultsTest, ThrowsAtEveryNthOperationAndDoesNothingElseThen)
 {
     FaultPlan plan;
     plan.throwEvery = 2;
@@ -86,7 +86,7 @@ TEST(FaultsTest, throws_at_every_nth_operation_and_does_nothing_else_then)
     EXPECT_EQ(second.failure.value(), 0);
 }
 
-TEST(FaultsTest, counts_only_requests_for_failures)
+TEST(FaultsTest, CountsOnlyRequestsForFailures)
 {
     FaultPlan plan;
     plan.failEvery = 2;
@@ -99,7 +99,7 @@ TEST(FaultsTest, counts_only_requests_for_failures)
     EXPECT_EQ(faults.nextRequest().failure, Error::Busy);
 }
 
-TEST(FaultsTest, fails_the_next_request_once)
+TEST(FaultsTest, FailsTheNextRequestOnce)
 {
     Faults faults{{}, 0};
     FaultPlan plan;
@@ -110,7 +110,7 @@ TEST(FaultsTest, fails_the_next_request_once)
     EXPECT_EQ(faults.nextRequest().failure.value(), 0);
 }
 
-TEST(FaultsTest, counts_anew_with_a_new_plan)
+TEST(FaultsTest, CountsAnewWithANewPlan)
 {
     FaultPlan plan;
     plan.dropEvery = 3;
@@ -120,7 +120,7 @@ TEST(FaultsTest, counts_anew_with_a_new_plan)
     EXPECT_THAT(which(faults, 3, drops), ElementsAre(3));
 }
 
-TEST(FaultsTest, drops_by_chance_as_the_seed_says)
+TEST(FaultsTest, DropsByChanceAsTheSeedSays)
 {
     FaultPlan plan;
     plan.dropChance = 0.25;
@@ -133,7 +133,7 @@ TEST(FaultsTest, drops_by_chance_as_the_seed_says)
     EXPECT_NEAR(static_cast<double>(drawn.size()), 1000.0, 150.0); // over five standard deviations
 }
 
-TEST(FaultsTest, drops_always_with_a_chance_of_one)
+TEST(FaultsTest, DropsAlwaysWithAChanceOfOne)
 {
     FaultPlan plan;
     plan.dropChance = 1.0;
@@ -141,7 +141,7 @@ TEST(FaultsTest, drops_always_with_a_chance_of_one)
     EXPECT_EQ(which(faults, 100, drops).size(), 100U);
 }
 
-TEST(ErrorTest, has_a_message_for_every_name_and_number)
+TEST(ErrorTest, HasAMessageForEveryNameAndNumber)
 {
     std::vector<std::string> messages;
     for (const auto* const name : {"not-found", "full", "bad-name", "io", "corrupt", "busy", "timeout", "4711", "-3"}) {
@@ -155,13 +155,13 @@ TEST(ErrorTest, has_a_message_for_every_name_and_number)
     EXPECT_EQ(errorFromText("full"), make_error_code(Error::Full));
 }
 
-TEST(ErrorTest, does_not_take_success_or_nonsense_for_an_error)
+TEST(ErrorTest, DoesNotTakeSuccessOrNonsenseForAnError)
 {
     for (const auto* const text : {"", "0", "-0", "full ", "Full", "1x", "99999999999", "+1"})
         EXPECT_FALSE(errorFromText(text).has_value()) << text;
 }
 
-TEST(FaultsTest, interrupts_every_nth_long_operation)
+TEST(FaultsTest, InterruptsEveryNthLongOperation)
 {
     FaultPlan plan;
     plan.powerLossEvery = 2;
@@ -179,7 +179,7 @@ TEST(FaultsTest, interrupts_every_nth_long_operation)
     EXPECT_EQ(faults.nextLongOperation().interruption.value(), 0) << "counts anew";
 }
 
-TEST(FaultsTest, counts_long_operations_as_requests)
+TEST(FaultsTest, CountsLongOperationsAsRequests)
 {
     FaultPlan plan;
     plan.dropEvery = 2;
@@ -191,7 +191,7 @@ TEST(FaultsTest, counts_long_operations_as_requests)
     EXPECT_EQ(faults.nextLongOperation().failure, Error::Io);
 }
 
-TEST(FaultsTest, protects_the_memory_for_as_long_as_the_plan_says)
+TEST(FaultsTest, ProtectsTheMemoryForAsLongAsThePlanSays)
 {
     FaultPlan plan;
     plan.writeProtect = true;

@@ -20,14 +20,14 @@ using FileInfo = FileStore::FileInfo;
 
 const std::error_code success;
 
-TEST(FileStoreTest, starts_empty)
+TEST(FileStoreTest, StartsEmpty)
 {
     const FileStore store;
     EXPECT_THAT(store.list(), IsEmpty());
     EXPECT_EQ(store.space(), (FileStore::SpaceInfo{FileStore::capacity, 0, FileStore::capacity}));
 }
 
-TEST(FileStoreTest, returns_what_was_written_with_all_its_zero_bytes)
+TEST(FileStoreTest, ReturnsWhatWasWrittenWithAllItsZeroBytes)
 {
     FileStore store;
     const FileStore::Contents contents{0, 1, 0, 255, 0};
@@ -35,7 +35,7 @@ TEST(FileStoreTest, returns_what_was_written_with_all_its_zero_bytes)
     EXPECT_EQ(store.read("a.bin").value(), contents);
 }
 
-TEST(FileStoreTest, keeps_empty_files)
+TEST(FileStoreTest, KeepsEmptyFiles)
 {
     FileStore store;
     EXPECT_EQ(store.write("empty", {}), success);
@@ -43,7 +43,7 @@ TEST(FileStoreTest, keeps_empty_files)
     EXPECT_THAT(store.read("empty").value(), IsEmpty());
 }
 
-TEST(FileStoreTest, lists_in_the_byte_order_of_the_names)
+TEST(FileStoreTest, ListsInTheByteOrderOfTheNames)
 {
     FileStore store;
     for (const auto* const name : {"b", "\xc3\xa4", "a", "B"})
@@ -52,7 +52,7 @@ TEST(FileStoreTest, lists_in_the_byte_order_of_the_names)
                 ElementsAre(FileInfo{"B", 1}, FileInfo{"a", 1}, FileInfo{"b", 1}, FileInfo{"\xc3\xa4", 1}));
 }
 
-TEST(FileStoreTest, replaces_a_file_of_the_same_name)
+TEST(FileStoreTest, ReplacesAFileOfTheSameName)
 {
     FileStore store;
     ASSERT_EQ(store.write("f", FileStore::Contents(100, 1)), success);
@@ -61,7 +61,7 @@ TEST(FileStoreTest, replaces_a_file_of_the_same_name)
     EXPECT_EQ(store.space().used, FileStore::recordSize + 1);
 }
 
-TEST(FileStoreTest, counts_contents_and_records_as_used)
+TEST(FileStoreTest, CountsContentsAndRecordsAsUsed)
 {
     FileStore store;
     ASSERT_EQ(store.write("a", FileStore::Contents(1000, 1)), success);
@@ -71,7 +71,7 @@ TEST(FileStoreTest, counts_contents_and_records_as_used)
     EXPECT_EQ(space.total, space.used + space.free);
 }
 
-TEST(FileStoreTest, takes_a_file_that_fits_to_the_byte_and_none_that_is_longer)
+TEST(FileStoreTest, TakesAFileThatFitsToTheByteAndNoneThatIsLonger)
 {
     FileStore store;
     const FileStore::Contents fits(FileStore::capacity - FileStore::recordSize, 7);
@@ -87,7 +87,7 @@ TEST(FileStoreTest, takes_a_file_that_fits_to_the_byte_and_none_that_is_longer)
     EXPECT_EQ(store.read("f").value(), fits) << "the old contents stay";
 }
 
-TEST(FileStoreTest, has_no_file_that_is_missing_or_deleted)
+TEST(FileStoreTest, HasNoFileThatIsMissingOrDeleted)
 {
     FileStore store;
     EXPECT_EQ(store.read("f").error(), Error::NotFound);
@@ -98,7 +98,7 @@ TEST(FileStoreTest, has_no_file_that_is_missing_or_deleted)
     EXPECT_EQ(store.space().used, 0U);
 }
 
-TEST(FileStoreTest, takes_utf8_names_of_up_to_255_bytes)
+TEST(FileStoreTest, TakesUtf8NamesOfUpTo255Bytes)
 {
     FileStore store;
     for (const auto& name :
@@ -107,7 +107,7 @@ TEST(FileStoreTest, takes_utf8_names_of_up_to_255_bytes)
         EXPECT_EQ(store.write(name, {1}), success) << name;
 }
 
-TEST(FileStoreTest, refuses_other_names)
+TEST(FileStoreTest, RefusesOtherNames)
 {
     FileStore store;
     const std::string names[]{"",         std::string(256, 'x'), std::string{"a\0b", 3}, "\xff", "\xc3", "a\xc3",
@@ -117,7 +117,7 @@ TEST(FileStoreTest, refuses_other_names)
     EXPECT_THAT(store.list(), IsEmpty());
 }
 
-TEST(FileStoreTest, stays_as_it_was_when_the_files_cannot_be_kept)
+TEST(FileStoreTest, StaysAsItWasWhenTheFilesCannotBeKept)
 {
     std::error_code outcome;
     FileStore store{{}, [&](const auto&) { return outcome; }};
@@ -130,7 +130,7 @@ TEST(FileStoreTest, stays_as_it_was_when_the_files_cannot_be_kept)
     EXPECT_EQ(store.read("f").value(), (FileStore::Contents{1}));
 }
 
-RC_GTEST_PROP(FileStoreTest, behaves_like_a_map, ())
+RC_GTEST_PROP(FileStoreTest, BehavesLikeAMap, ())
 {
     FileStore store;
     std::map<std::string, FileStore::Contents> model;
@@ -165,7 +165,7 @@ RC_GTEST_PROP(FileStoreTest, behaves_like_a_map, ())
     }
 }
 
-TEST(FileMemoryControlTest, reads_back_what_it_wrote)
+TEST(FileMemoryControlTest, ReadsBackWhatItWrote)
 {
     const ManualInstrument instrument;
     auto& files = *instrument.control<test::Files>();
@@ -178,7 +178,7 @@ TEST(FileMemoryControlTest, reads_back_what_it_wrote)
     EXPECT_THAT(test::list(files), IsEmpty());
 }
 
-TEST(FileMemoryControlTest, reports_errors_that_an_engineer_can_read)
+TEST(FileMemoryControlTest, ReportsErrorsThatAnEngineerCanRead)
 {
     const ManualInstrument instrument;
     auto& files = *instrument.control<test::Files>();

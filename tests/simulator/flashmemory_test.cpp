@@ -68,14 +68,14 @@ protected:
     FlashMemory memory{capacity, storage};
 };
 
-TEST_F(FlashMemoryTest, is_erased_and_intact_when_it_is_new)
+TEST_F(FlashMemoryTest, IsErasedAndIntactWhenItIsNew)
 {
     EXPECT_EQ(memory.imageLength(), capacity);
     EXPECT_EQ(contents(memory), Image(capacity, std::byte{0xFF}));
     EXPECT_TRUE(isIntact(memory));
 }
 
-TEST_F(FlashMemoryTest, gives_back_what_was_written_last)
+TEST_F(FlashMemoryTest, GivesBackWhatWasWrittenLast)
 {
     for (const auto length : {block + 1, 1U, capacity, sector, block, page - 1}) {
         const auto image = makeImage(length, length);
@@ -85,7 +85,7 @@ TEST_F(FlashMemoryTest, gives_back_what_was_written_last)
     }
 }
 
-TEST_F(FlashMemoryTest, reads_erased_after_it_was_erased)
+TEST_F(FlashMemoryTest, ReadsErasedAfterItWasErased)
 {
     write(memory, makeImage(block + 5));
     memory.startErasing();
@@ -95,7 +95,7 @@ TEST_F(FlashMemoryTest, reads_erased_after_it_was_erased)
     EXPECT_TRUE(isIntact(memory));
 }
 
-TEST_F(FlashMemoryTest, keeps_what_was_programmed_when_a_write_stops)
+TEST_F(FlashMemoryTest, KeepsWhatWasProgrammedWhenAWriteStops)
 {
     const auto old = makeImage(2 * block, 1);
     const auto image = makeImage(2 * block, 2);
@@ -114,7 +114,7 @@ TEST_F(FlashMemoryTest, keeps_what_was_programmed_when_a_write_stops)
     EXPECT_FALSE(isIntact(memory));
 }
 
-TEST_F(FlashMemoryTest, is_not_intact_when_a_write_or_an_erasure_stops_at_any_page)
+TEST_F(FlashMemoryTest, IsNotIntactWhenAWriteOrAnErasureStopsAtAnyPage)
 {
     for (std::uint32_t reached = 0; reached < 2 * block; reached += 17 * page) {
         write(memory, makeImage(2 * block, 3));
@@ -130,7 +130,7 @@ TEST_F(FlashMemoryTest, is_not_intact_when_a_write_or_an_erasure_stops_at_any_pa
     }
 }
 
-TEST_F(FlashMemoryTest, finds_bits_that_have_flipped)
+TEST_F(FlashMemoryTest, FindsBitsThatHaveFlipped)
 {
     for (std::uint64_t seed = 0; seed < 50; ++seed) {
         write(memory, makeImage(seed % 2 == 0 ? 1 : block + 100));
@@ -139,14 +139,14 @@ TEST_F(FlashMemoryTest, finds_bits_that_have_flipped)
     }
 }
 
-TEST_F(FlashMemoryTest, flips_nothing_in_an_erased_memory)
+TEST_F(FlashMemoryTest, FlipsNothingInAnErasedMemory)
 {
     memory.corrupt(1);
     EXPECT_TRUE(isIntact(memory));
     EXPECT_EQ(contents(memory), Image(capacity, std::byte{0xFF}));
 }
 
-TEST_F(FlashMemoryTest, verifies_each_block_by_itself)
+TEST_F(FlashMemoryTest, VerifiesEachBlockByItself)
 {
     const auto image = makeImage(capacity);
     memory.startWriting(capacity);
@@ -156,7 +156,7 @@ TEST_F(FlashMemoryTest, verifies_each_block_by_itself)
     EXPECT_FALSE(memory.verify(2 * block, capacity));
 }
 
-TEST_F(FlashMemoryTest, uses_the_crc_of_the_ethernet_standard)
+TEST_F(FlashMemoryTest, UsesTheCrcOfTheEthernetStandard)
 {
     Image digits;
     for (const auto c : std::string_view{"123456789"})
@@ -166,7 +166,7 @@ TEST_F(FlashMemoryTest, uses_the_crc_of_the_ethernet_standard)
     EXPECT_EQ(storage.sections[QStringLiteral("memory")][QStringLiteral("checksums")], QStringLiteral("cbf43926"));
 }
 
-TEST_F(FlashMemoryTest, is_the_same_after_it_was_kept)
+TEST_F(FlashMemoryTest, IsTheSameAfterItWasKept)
 {
     const auto expectKept = [&] {
         ASSERT_EQ(memory.save(storage), std::error_code{});
@@ -190,7 +190,7 @@ TEST_F(FlashMemoryTest, is_the_same_after_it_was_kept)
               (QJsonObject{{QStringLiteral("capacity"), static_cast<double>(capacity)}}));
 }
 
-TEST_F(FlashMemoryTest, keeps_its_capacity)
+TEST_F(FlashMemoryTest, KeepsItsCapacity)
 {
     EXPECT_EQ((FlashMemory{std::nullopt, storage}.capacity()), FlashMemory::defaultCapacity) << "a new one";
     for (const bool isWritten : {false, true}) {
@@ -205,7 +205,7 @@ TEST_F(FlashMemoryTest, keeps_its_capacity)
     EXPECT_EQ((FlashMemory{2 * capacity, storage}.capacity()), 2 * capacity) << "what is asked for counts";
 }
 
-TEST_F(FlashMemoryTest, is_as_large_as_the_next_instrument_when_it_was_erased)
+TEST_F(FlashMemoryTest, IsAsLargeAsTheNextInstrumentWhenItWasErased)
 {
     ASSERT_EQ(memory.save(storage), std::error_code{});
     const FlashMemory larger{2 * capacity, storage};
@@ -213,7 +213,7 @@ TEST_F(FlashMemoryTest, is_as_large_as_the_next_instrument_when_it_was_erased)
     EXPECT_TRUE(isIntact(larger));
 }
 
-TEST_F(FlashMemoryTest, refuses_an_image_that_is_larger_than_the_memory)
+TEST_F(FlashMemoryTest, RefusesAnImageThatIsLargerThanTheMemory)
 {
     write(memory, makeImage(block + 1));
     ASSERT_EQ(memory.save(storage), std::error_code{});
@@ -226,7 +226,7 @@ TEST_F(FlashMemoryTest, refuses_an_image_that_is_larger_than_the_memory)
     }
 }
 
-RC_GTEST_PROP(FlashMemoryProperty, behaves_like_an_image_and_a_flag, ())
+RC_GTEST_PROP(FlashMemoryProperty, BehavesLikeAnImageAndAFlag, ())
 {
     KeptInMemory storage;
     FlashMemory memory{capacity, storage};

@@ -87,7 +87,7 @@ FaultPlan dropEvery(std::uint64_t every)
     return plan;
 }
 
-TEST(BusyTest, is_the_memory_while_a_long_operation_runs)
+TEST(BusyTest, IsTheMemoryWhileALongOperationRuns)
 {
     Watched instrument{1.0};
     const auto memory = instrument.memory();
@@ -108,7 +108,7 @@ TEST(BusyTest, is_the_memory_while_a_long_operation_runs)
     EXPECT_EQ(erased, success) << "and the next one runs";
 }
 
-TEST(BusyTest, is_over_when_the_completion_comes)
+TEST(BusyTest, IsOverWhenTheCompletionComes)
 {
     Watched instrument{unlimited};
     const auto memory = instrument.memory();
@@ -117,7 +117,7 @@ TEST(BusyTest, is_over_when_the_completion_comes)
     EXPECT_EQ(second.get_future().get(), success);
 }
 
-TEST(BusyTest, is_over_after_an_operation_that_was_refused)
+TEST(BusyTest, IsOverAfterAnOperationThatWasRefused)
 {
     Watched instrument{unlimited};
     EXPECT_EQ(test::write(*instrument.memory(), {}), Error::BadSize);
@@ -128,7 +128,7 @@ class InterruptionTest : public testing::TestWithParam<CompletionMode> { };
 
 INSTANTIATE_TEST_SUITE_P(Modes, InterruptionTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(InterruptionTest, of_the_power_leaves_half_an_image_that_the_check_finds)
+TEST_P(InterruptionTest, OfThePowerLeavesHalfAnImageThatTheCheckFinds)
 {
     Watched instrument{unlimited, GetParam()};
     const auto old = makeImage(size, 1);
@@ -153,7 +153,7 @@ TEST_P(InterruptionTest, of_the_power_leaves_half_an_image_that_the_check_finds)
     EXPECT_EQ(test::check(*instrument.memory()), success);
 }
 
-TEST_P(InterruptionTest, of_an_erasure_leaves_half_of_the_memory)
+TEST_P(InterruptionTest, OfAnErasureLeavesHalfOfTheMemory)
 {
     Watched instrument{unlimited, GetParam()};
     const auto old = makeImage(size, 1);
@@ -169,7 +169,7 @@ TEST_P(InterruptionTest, of_an_erasure_leaves_half_of_the_memory)
     EXPECT_EQ(test::check(*instrument.memory()), success);
 }
 
-TEST_P(InterruptionTest, of_a_read_or_a_check_changes_nothing)
+TEST_P(InterruptionTest, OfAReadOrACheckChangesNothing)
 {
     Watched instrument{unlimited, GetParam()};
     const auto image = makeImage(size, 1);
@@ -182,7 +182,7 @@ TEST_P(InterruptionTest, of_a_read_or_a_check_changes_nothing)
     EXPECT_EQ(test::check(*instrument.memory()), success);
 }
 
-TEST_P(InterruptionTest, comes_even_to_an_image_of_one_byte)
+TEST_P(InterruptionTest, ComesEvenToAnImageOfOneByte)
 {
     Watched instrument{unlimited, GetParam()};
     instrument.setFaults(powerLoss());
@@ -191,7 +191,7 @@ TEST_P(InterruptionTest, comes_even_to_an_image_of_one_byte)
     EXPECT_EQ(test::check(*instrument.memory()), Error::Corrupt);
 }
 
-TEST_P(InterruptionTest, comes_to_every_nth_long_operation_alone)
+TEST_P(InterruptionTest, ComesToEveryNthLongOperationAlone)
 {
     Watched instrument{unlimited, GetParam()};
     instrument.setFaults(powerLoss(2));
@@ -203,7 +203,7 @@ TEST_P(InterruptionTest, comes_to_every_nth_long_operation_alone)
     EXPECT_EQ(test::erase(memory()), Error::PowerLoss);
 }
 
-TEST_P(InterruptionTest, of_the_power_loses_the_ram_of_the_potentiometers)
+TEST_P(InterruptionTest, OfThePowerLosesTheRamOfThePotentiometers)
 {
     Watched instrument{unlimited, GetParam()};
     ASSERT_EQ(test::writeRam(*instrument.control<test::Potentiometers>(), 1, 7), success);
@@ -215,7 +215,7 @@ TEST_P(InterruptionTest, of_the_power_loses_the_ram_of_the_potentiometers)
     EXPECT_EQ(instrument.vna->potentiometers()[1].ram, 512);
 }
 
-TEST_P(InterruptionTest, by_unplugging_keeps_the_controls_away_for_a_time)
+TEST_P(InterruptionTest, ByUnpluggingKeepsTheControlsAwayForATime)
 {
     Watched instrument{unlimited, GetParam()};
     instrument.setFaults(unplug(2s));
@@ -230,7 +230,7 @@ TEST_P(InterruptionTest, by_unplugging_keeps_the_controls_away_for_a_time)
     EXPECT_EQ(test::check(*instrument.memory()), Error::Corrupt) << "half of the image was written";
 }
 
-TEST(DropInTheMiddleTest, does_not_stop_a_long_operation)
+TEST(DropInTheMiddleTest, DoesNotStopALongOperation)
 {
     Watched instrument{unlimited};
     instrument.lifecycle.atOffer = [&] { instrument.attach(); };
@@ -249,7 +249,7 @@ TEST(DropInTheMiddleTest, does_not_stop_a_long_operation)
     EXPECT_EQ(test::check(*instrument.memory()), success);
 }
 
-TEST(DropInTheMiddleTest, comes_with_a_request_that_is_refused_too)
+TEST(DropInTheMiddleTest, ComesWithARequestThatIsRefusedToo)
 {
     Watched instrument{unlimited};
     instrument.setFaults(dropEvery(1));
@@ -257,7 +257,7 @@ TEST(DropInTheMiddleTest, comes_with_a_request_that_is_refused_too)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released", "available"));
 }
 
-TEST(DropInTheMiddleTest, ends_the_progress_of_the_dropped_control)
+TEST(DropInTheMiddleTest, EndsTheProgressOfTheDroppedControl)
 {
     Watched instrument{1.0};
     std::optional<std::error_code> result;
@@ -270,7 +270,7 @@ TEST(DropInTheMiddleTest, ends_the_progress_of_the_dropped_control)
     EXPECT_EQ(result, success);
 }
 
-TEST(DestructionTest, in_the_middle_completes_once_and_notifies_nobody)
+TEST(DestructionTest, InTheMiddleCompletesOnceAndNotifiesNobody)
 {
     for (const bool isInterrupted : {false, true}) {
         Watched instrument{1.0};
@@ -291,7 +291,7 @@ TEST(DestructionTest, in_the_middle_completes_once_and_notifies_nobody)
     }
 }
 
-TEST(DestructionTest, leaves_a_control_that_is_held_at_work)
+TEST(DestructionTest, LeavesAControlThatIsHeldAtWork)
 {
     for (const auto mode : {CompletionMode::Thread, CompletionMode::Inline}) {
         Watched instrument{1.0, mode};
@@ -305,7 +305,7 @@ TEST(DestructionTest, leaves_a_control_that_is_held_at_work)
     }
 }
 
-TEST(ThrowTest, never_completes_a_long_operation)
+TEST(ThrowTest, NeverCompletesALongOperation)
 {
     Watched instrument{unlimited};
     FaultPlan plan;
@@ -317,7 +317,7 @@ TEST(ThrowTest, never_completes_a_long_operation)
     EXPECT_THAT(instrument.journal.take(), IsEmpty());
 }
 
-TEST(InlineTest, long_operations_can_be_asked_for_in_a_completion)
+TEST(InlineTest, LongOperationsCanBeAskedForInACompletion)
 {
     Watched instrument{1.0, CompletionMode::Inline};
     instrument.vna->drop();
@@ -330,7 +330,7 @@ TEST(InlineTest, long_operations_can_be_asked_for_in_a_completion)
     EXPECT_EQ(result, success);
 }
 
-TEST(InlineTest, a_long_operation_completes_on_the_callers_thread)
+TEST(InlineTest, ALongOperationCompletesOnTheCallersThread)
 {
     Watched instrument{unlimited, CompletionMode::Inline};
     std::thread::id thread;
@@ -338,7 +338,7 @@ TEST(InlineTest, a_long_operation_completes_on_the_callers_thread)
     EXPECT_EQ(thread, std::this_thread::get_id());
 }
 
-TEST(LatencyTest, comes_before_a_long_operation)
+TEST(LatencyTest, ComesBeforeALongOperation)
 {
     auto settings = Watched::settings(unlimited, CompletionMode::Thread);
     settings.latency = 5ms;

@@ -42,7 +42,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, MemoryTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(MemoryTest, is_available_and_erased_at_first)
+TEST_P(MemoryTest, IsAvailableAndErasedAtFirst)
 {
     EXPECT_TRUE(memory->isAvailable());
     const auto [image, code] = test::read(*memory);
@@ -51,7 +51,7 @@ TEST_P(MemoryTest, is_available_and_erased_at_first)
     EXPECT_EQ(test::check(*memory), success);
 }
 
-TEST_P(MemoryTest, gives_back_the_image_that_was_written_last)
+TEST_P(MemoryTest, GivesBackTheImageThatWasWrittenLast)
 {
     for (const std::size_t length : {100'000U, 1U, size, 5000U}) {
         const auto image = makeImage(length, static_cast<unsigned>(length));
@@ -63,7 +63,7 @@ TEST_P(MemoryTest, gives_back_the_image_that_was_written_last)
     EXPECT_EQ(test::read(*memory).first, Image(size, std::byte{0xFF}));
 }
 
-TEST_P(MemoryTest, refuses_an_image_that_is_empty_or_too_large)
+TEST_P(MemoryTest, RefusesAnImageThatIsEmptyOrTooLarge)
 {
     const auto image = makeImage(1000);
     ASSERT_EQ(test::write(*memory, image), success);
@@ -73,7 +73,7 @@ TEST_P(MemoryTest, refuses_an_image_that_is_empty_or_too_large)
     EXPECT_EQ(test::check(*memory), success);
 }
 
-TEST_P(MemoryTest, changes_nothing_while_it_is_write_protected)
+TEST_P(MemoryTest, ChangesNothingWhileItIsWriteProtected)
 {
     const auto image = makeImage(1000);
     ASSERT_EQ(test::write(*memory, image), success);
@@ -88,7 +88,7 @@ TEST_P(MemoryTest, changes_nothing_while_it_is_write_protected)
     EXPECT_EQ(test::erase(*memory), success);
 }
 
-TEST_P(MemoryTest, tells_its_progress_from_nothing_to_everything)
+TEST_P(MemoryTest, TellsItsProgressFromNothingToEverything)
 {
     memory->addObserver(&observer);
     memory->addObserver(&observer);
@@ -108,7 +108,7 @@ TEST_P(MemoryTest, tells_its_progress_from_nothing_to_everything)
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_P(MemoryTest, tells_its_progress_at_most_129_times)
+TEST_P(MemoryTest, TellsItsProgressAtMost129Times)
 {
     memory->addObserver(&observer);
     for (const auto length : {size, size - 1, 32769U, 33000U}) {
@@ -119,7 +119,7 @@ TEST_P(MemoryTest, tells_its_progress_at_most_129_times)
     }
 }
 
-TEST_P(MemoryTest, has_nothing_to_corrupt_while_it_is_erased)
+TEST_P(MemoryTest, HasNothingToCorruptWhileItIsErased)
 {
     auto settings = prompt(GetParam());
     settings.faults.corrupt = true;
@@ -127,7 +127,7 @@ TEST_P(MemoryTest, has_nothing_to_corrupt_while_it_is_erased)
     EXPECT_EQ(test::check(*blank.control<test::Memory>()), success);
 }
 
-TEST_P(MemoryTest, ends_with_the_error_that_was_injected_and_does_nothing)
+TEST_P(MemoryTest, EndsWithTheErrorThatWasInjectedAndDoesNothing)
 {
     const auto image = makeImage(1000);
     ASSERT_EQ(test::write(*memory, image), success);
@@ -145,7 +145,7 @@ TEST_P(MemoryTest, ends_with_the_error_that_was_injected_and_does_nothing)
     EXPECT_EQ(test::read(*memory).first, image);
 }
 
-TEST_P(MemoryTest, takes_no_more_than_the_image_for_a_read)
+TEST_P(MemoryTest, TakesNoMoreThanTheImageForARead)
 {
     ASSERT_EQ(test::write(*memory, makeImage(size - 1)), success);
     const auto image = test::read(*memory).first;
@@ -161,7 +161,7 @@ Settings real()
     return settings;
 }
 
-TEST(MemoryTimeTest, is_that_of_pages_and_sectors)
+TEST(MemoryTimeTest, IsThatOfPagesAndSectors)
 {
     struct Case {
         const char* operation;
@@ -191,7 +191,7 @@ TEST(MemoryTimeTest, is_that_of_pages_and_sectors)
     }
 }
 
-TEST(MemoryTimeTest, is_divided_by_the_speed)
+TEST(MemoryTimeTest, IsDividedByTheSpeed)
 {
     auto settings = real();
     settings.speed = 1000.0;
@@ -205,7 +205,7 @@ TEST(MemoryTimeTest, is_divided_by_the_speed)
     EXPECT_EQ(completed, 1);
 }
 
-TEST(MemoryTimeTest, passes_piece_by_piece)
+TEST(MemoryTimeTest, PassesPieceByPiece)
 {
     ManualInstrument instrument{real()};
     Journal journal;
@@ -227,7 +227,7 @@ TEST(MemoryTimeTest, passes_piece_by_piece)
     EXPECT_EQ(rest.back(), "done");
 }
 
-TEST(MemoryTimeTest, leaves_the_instrument_free_for_other_requests)
+TEST(MemoryTimeTest, LeavesTheInstrumentFreeForOtherRequests)
 {
     int completed = 0; // outlives the instrument, which ends what is under way
     ManualInstrument instrument{real()};

@@ -35,7 +35,7 @@ protected:
     std::vector<std::string> heard;
 };
 
-TEST_F(ObserversTest, notifies_in_the_order_of_registration)
+TEST_F(ObserversTest, NotifiesInTheOrderOfRegistration)
 {
     auto first = noting("first");
     auto second = noting("second");
@@ -45,7 +45,7 @@ TEST_F(ObserversTest, notifies_in_the_order_of_registration)
     EXPECT_THAT(heard, ElementsAre("first", "second"));
 }
 
-TEST_F(ObserversTest, notifies_once_who_registered_twice)
+TEST_F(ObserversTest, NotifiesOnceWhoRegisteredTwice)
 {
     auto listener = noting("once");
     observers.add(&listener);
@@ -57,7 +57,7 @@ TEST_F(ObserversTest, notifies_once_who_registered_twice)
     EXPECT_THAT(heard, ElementsAre("once"));
 }
 
-TEST_F(ObserversTest, ignores_null_and_who_is_not_registered)
+TEST_F(ObserversTest, IgnoresNullAndWhoIsNotRegistered)
 {
     auto stranger = noting("stranger");
     observers.add(nullptr);
@@ -67,7 +67,7 @@ TEST_F(ObserversTest, ignores_null_and_who_is_not_registered)
     EXPECT_THAT(heard, IsEmpty());
 }
 
-TEST_F(ObserversTest, lets_an_observer_remove_itself_and_others_inside_a_notification)
+TEST_F(ObserversTest, LetsAnObserverRemoveItselfAndOthersInsideANotification)
 {
     auto later = noting("later");
     Listener first;
@@ -83,7 +83,7 @@ TEST_F(ObserversTest, lets_an_observer_remove_itself_and_others_inside_a_notific
     EXPECT_THAT(heard, ElementsAre("first"));
 }
 
-TEST_F(ObserversTest, notifies_who_registers_inside_a_notification_from_the_next_one_on)
+TEST_F(ObserversTest, NotifiesWhoRegistersInsideANotificationFromTheNextOneOn)
 {
     auto newcomer = noting("newcomer");
     Listener first{[&] {
@@ -97,7 +97,7 @@ TEST_F(ObserversTest, notifies_who_registers_inside_a_notification_from_the_next
     EXPECT_THAT(heard, ElementsAre("first", "first", "newcomer"));
 }
 
-TEST_F(ObserversTest, notifies_the_others_when_one_throws)
+TEST_F(ObserversTest, NotifiesTheOthersWhenOneThrows)
 {
     Listener thrower{[] { throw std::runtime_error{"no"}; }};
     auto other = noting("other");
@@ -108,7 +108,7 @@ TEST_F(ObserversTest, notifies_the_others_when_one_throws)
     observers.remove(&thrower); // returns: nothing is being notified any more
 }
 
-TEST_F(ObserversTest, notifies_nobody_after_clearing)
+TEST_F(ObserversTest, NotifiesNobodyAfterClearing)
 {
     auto listener = noting("listener");
     observers.add(&listener);
@@ -130,7 +130,7 @@ protected:
     }
 };
 
-TEST_F(ObserversTest, waits_for_the_notification_that_is_running_before_removal_returns)
+TEST_F(ObserversTest, WaitsForTheNotificationThatIsRunningBeforeRemovalReturns)
 {
     std::promise<void> entered;
     std::promise<void> leave;
@@ -155,7 +155,7 @@ TEST_F(ObserversTest, waits_for_the_notification_that_is_running_before_removal_
         leave.set_value();
 }
 
-TEST_F(ObserversTest, does_not_wait_for_the_notification_of_another_observer)
+TEST_F(ObserversTest, DoesNotWaitForTheNotificationOfAnotherObserver)
 {
     std::promise<void> entered;
     std::promise<void> leave;

@@ -62,7 +62,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, OperationsTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(OperationsTest, drop_on_the_instruments_thread)
+TEST_P(OperationsTest, DropOnTheInstrumentsThread)
 {
     FaultPlan plan;
     plan.dropEvery = 1;
@@ -74,7 +74,7 @@ TEST_P(OperationsTest, drop_on_the_instruments_thread)
     EXPECT_EQ(dropper, instrument);
 }
 
-TEST_P(OperationsTest, drop_nothing_once_the_device_is_gone)
+TEST_P(OperationsTest, DropNothingOnceTheDeviceIsGone)
 {
     FaultPlan plan;
     plan.dropEvery = 1;
@@ -85,7 +85,7 @@ TEST_P(OperationsTest, drop_nothing_once_the_device_is_gone)
     EXPECT_EQ(drops, 0);
 }
 
-TEST_P(OperationsTest, block_the_caller_of_a_plain_operation_for_its_delay)
+TEST_P(OperationsTest, BlockTheCallerOfAPlainOperationForItsDelay)
 {
     FaultPlan plan;
     plan.delayEvery = 2;

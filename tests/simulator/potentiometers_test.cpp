@@ -35,7 +35,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, PotentiometersTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(PotentiometersTest, have_names_of_their_own_and_ranges_that_hold_their_values)
+TEST_P(PotentiometersTest, HaveNamesOfTheirOwnAndRangesThatHoldTheirValues)
 {
     EXPECT_TRUE(all->isAvailable());
     const auto list = all->potentiometers();
@@ -55,7 +55,7 @@ TEST_P(PotentiometersTest, have_names_of_their_own_and_ranges_that_hold_their_va
     EXPECT_EQ(all->potentiometers(), list);
 }
 
-TEST_P(PotentiometersTest, keep_ram_and_eeprom_apart)
+TEST_P(PotentiometersTest, KeepRamAndEepromApart)
 {
     ASSERT_EQ(test::writeRam(*all, sourceOffset, -100), success);
     EXPECT_EQ(value(sourceOffset), (PotentiometerModel::Value{.ram = -100, .eeprom = 0, .eepromWrites = 0}));
@@ -66,14 +66,14 @@ TEST_P(PotentiometersTest, keep_ram_and_eeprom_apart)
     EXPECT_EQ(value(0).eepromWrites, 0U);
 }
 
-TEST_P(PotentiometersTest, count_every_write_of_the_eeprom)
+TEST_P(PotentiometersTest, CountEveryWriteOfTheEeprom)
 {
     for (int i = 0; i < 3; ++i)
         ASSERT_EQ(test::writeEeprom(*all, 0, 9), success);
     EXPECT_EQ(value(0).eepromWrites, 3U);
 }
 
-TEST_P(PotentiometersTest, take_exactly_the_values_of_their_range)
+TEST_P(PotentiometersTest, TakeExactlyTheValuesOfTheirRange)
 {
     const auto list = all->potentiometers();
     for (unsigned long i = 0; i < list.size(); ++i) {
@@ -91,7 +91,7 @@ TEST_P(PotentiometersTest, take_exactly_the_values_of_their_range)
     EXPECT_FALSE(make_error_code(Error::OutOfRange).message().empty());
 }
 
-TEST_P(PotentiometersTest, refuse_an_index_that_is_not_in_the_list)
+TEST_P(PotentiometersTest, RefuseAnIndexThatIsNotInTheList)
 {
     const auto before = instrument.vna->potentiometers();
     for (const auto index : {before.size(), ~std::size_t{0}}) {
@@ -102,7 +102,7 @@ TEST_P(PotentiometersTest, refuse_an_index_that_is_not_in_the_list)
     EXPECT_EQ(instrument.vna->potentiometers(), before);
 }
 
-TEST_P(PotentiometersTest, keep_their_ram_when_the_controls_are_dropped)
+TEST_P(PotentiometersTest, KeepTheirRamWhenTheControlsAreDropped)
 {
     ASSERT_EQ(test::writeRam(*all, 0, 1), success);
     instrument.vna->drop();
@@ -110,7 +110,7 @@ TEST_P(PotentiometersTest, keep_their_ram_when_the_controls_are_dropped)
     EXPECT_EQ(value(0).ram, 1);
 }
 
-TEST_P(PotentiometersTest, stay_as_they_were_when_a_write_fails)
+TEST_P(PotentiometersTest, StayAsTheyWereWhenAWriteFails)
 {
     FaultPlan plan;
     plan.failEvery = 1;

@@ -50,7 +50,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, SerialNumberTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(SerialNumberTest, is_decided_by_the_seed_at_first)
+TEST_P(SerialNumberTest, IsDecidedByTheSeedAtFirst)
 {
     EXPECT_TRUE(serialNumber->isAvailable());
     EXPECT_EQ(test::read(*serialNumber), 1'000'001U);
@@ -59,7 +59,7 @@ TEST_P(SerialNumberTest, is_decided_by_the_seed_at_first)
     EXPECT_EQ(test::read(*ManualInstrument{settings}.control<test::SerialNumber>()), 1'000'042U);
 }
 
-TEST_P(SerialNumberTest, takes_every_number_of_32_bits)
+TEST_P(SerialNumberTest, TakesEveryNumberOf32Bits)
 {
     for (const auto number : {0U, 1U, 0x80000000U, 0xFFFFFFFFU}) {
         EXPECT_EQ(test::write(*serialNumber, number), success);
@@ -67,7 +67,7 @@ TEST_P(SerialNumberTest, takes_every_number_of_32_bits)
     }
 }
 
-TEST_P(SerialNumberTest, tells_the_progress_of_a_write)
+TEST_P(SerialNumberTest, TellsTheProgressOfAWrite)
 {
     serialNumber->addObserver(&observer);
     serialNumber->addObserver(&observer);
@@ -80,7 +80,7 @@ TEST_P(SerialNumberTest, tells_the_progress_of_a_write)
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
-TEST_P(SerialNumberTest, is_the_old_one_after_an_interruption)
+TEST_P(SerialNumberTest, IsTheOldOneAfterAnInterruption)
 {
     serialNumber->addObserver(&observer);
     for (const auto error : {Error::PowerLoss, Error::Disconnected}) {
@@ -94,7 +94,7 @@ TEST_P(SerialNumberTest, is_the_old_one_after_an_interruption)
     EXPECT_EQ(test::read(*instrument.control<test::SerialNumber>()), 1'000'001U);
 }
 
-TEST_P(SerialNumberTest, is_protected_with_the_memory)
+TEST_P(SerialNumberTest, IsProtectedWithTheMemory)
 {
     FaultPlan plan;
     plan.writeProtect = true;
@@ -103,7 +103,7 @@ TEST_P(SerialNumberTest, is_protected_with_the_memory)
     EXPECT_EQ(test::read(*serialNumber), 1'000'001U);
 }
 
-TEST(SerialNumberTimeTest, is_that_of_a_sector_two_pages_and_a_page_read_back)
+TEST(SerialNumberTimeTest, IsThatOfASectorTwoPagesAndAPageReadBack)
 {
     ManualInstrument instrument{withSpeed(1.0)};
     int completed = 0;
@@ -123,7 +123,7 @@ TEST(SerialNumberTimeTest, is_that_of_a_sector_two_pages_and_a_page_read_back)
     EXPECT_EQ(test::read(*serialNumber), 5U);
 }
 
-TEST(SerialNumberDestructionTest, in_the_middle_of_a_write_completes_once_and_notifies_nobody)
+TEST(SerialNumberDestructionTest, InTheMiddleOfAWriteCompletesOnceAndNotifiesNobody)
 {
     ManualInstrument instrument{withSpeed(1.0)};
     int completed = 0;

@@ -23,7 +23,7 @@ using testing::IsEmpty;
 
 const std::error_code success;
 
-TEST(ProfileTest, offers_everything_by_default_and_nothing_when_bare)
+TEST(ProfileTest, OffersEverythingByDefaultAndNothingWhenBare)
 {
     Settings bare;
     bare.profile = Profile::Bare;
@@ -36,7 +36,7 @@ TEST(ProfileTest, offers_everything_by_default_and_nothing_when_bare)
     EXPECT_EQ(full.vna->control(sdk::Key{1}), nullptr);
 }
 
-TEST(ProfileTest, offers_files_and_temperatures_on_every_family_and_lo_leakage_on_some)
+TEST(ProfileTest, OffersFilesAndTemperaturesOnEveryFamilyAndLoLeakageOnSome)
 {
     const std::set withLeakage{Profile::Full, Profile::Marl, Profile::Glint,
                                Profile::Brae, Profile::Vell, Profile::MultiportLum};
@@ -52,7 +52,7 @@ TEST(ProfileTest, offers_files_and_temperatures_on_every_family_and_lo_leakage_o
     }
 }
 
-TEST(ProfileTest, decides_the_model)
+TEST(ProfileTest, DecidesTheModel)
 {
     const auto model = [](Profile profile) {
         Settings settings;
@@ -65,7 +65,7 @@ TEST(ProfileTest, decides_the_model)
     EXPECT_EQ(model(Profile::Full), sdk::models::vell::vell801);
 }
 
-TEST(LifecycleTest, tells_before_it_drops_and_after_it_offers)
+TEST(LifecycleTest, TellsBeforeItDropsAndAfterItOffers)
 {
     WatchedInstrument instrument;
     std::weak_ptr<void> control = instrument.control<test::Files>();
@@ -80,7 +80,7 @@ TEST(LifecycleTest, tells_before_it_drops_and_after_it_offers)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("available"));
 }
 
-TEST(LifecycleTest, does_nothing_when_there_is_nothing_to_drop_or_to_offer)
+TEST(LifecycleTest, DoesNothingWhenThereIsNothingToDropOrToOffer)
 {
     WatchedInstrument instrument;
     instrument.vna->offer();
@@ -90,7 +90,7 @@ TEST(LifecycleTest, does_nothing_when_there_is_nothing_to_drop_or_to_offer)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("about to be released"));
 }
 
-TEST(LifecycleTest, offers_new_controls_over_the_same_state)
+TEST(LifecycleTest, OffersNewControlsOverTheSameState)
 {
     const ManualInstrument instrument;
     const auto old = instrument.control<test::Files>();
@@ -106,7 +106,7 @@ TEST(LifecycleTest, offers_new_controls_over_the_same_state)
     EXPECT_TRUE(instrument.control<test::Leakage>()->isEnabled());
 }
 
-TEST(LifecycleTest, carries_out_later_what_an_observer_asks_for)
+TEST(LifecycleTest, CarriesOutLaterWhatAnObserverAsksFor)
 {
     WatchedInstrument instrument;
     instrument.observer.atRelease = [&] { instrument.vna->offer(); };
@@ -116,7 +116,7 @@ TEST(LifecycleTest, carries_out_later_what_an_observer_asks_for)
     EXPECT_NE(instrument.control<test::Files>(), nullptr);
 }
 
-TEST(LifecycleTest, notifies_on_the_instruments_own_thread_one_at_a_time)
+TEST(LifecycleTest, NotifiesOnTheInstrumentsOwnThreadOneAtATime)
 {
     WatchedInstrument instrument{withFaults(dropEvery(1))};
     std::atomic<int> running = 0;
@@ -143,7 +143,7 @@ TEST(LifecycleTest, notifies_on_the_instruments_own_thread_one_at_a_time)
     EXPECT_NE(instrument.control<test::Files>(), nullptr);
 }
 
-TEST(LifecycleTest, notifies_nobody_when_the_device_is_destroyed)
+TEST(LifecycleTest, NotifiesNobodyWhenTheDeviceIsDestroyed)
 {
     auto settings = withFaults(dropEvery(1));
     settings.latency = 1h;
@@ -153,7 +153,7 @@ TEST(LifecycleTest, notifies_nobody_when_the_device_is_destroyed)
     EXPECT_THAT(instrument.journal.take(), ElementsAre("completed"));
 }
 
-TEST(InstancesTest, share_nothing_but_the_clock)
+TEST(InstancesTest, ShareNothingButTheClock)
 {
     ManualInstrument first;
     FaultPlan plan;

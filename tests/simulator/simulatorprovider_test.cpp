@@ -29,12 +29,12 @@ protected:
     IDeviceProvider* m_provider = nullptr;
 };
 
-TEST_F(SimulatorProvider, names_the_interface_in_its_meta_data)
+TEST_F(SimulatorProvider, NamesTheInterfaceInItsMetaData)
 {
     EXPECT_EQ(m_loader.metaData()[QStringLiteral("IID")].toString(), QStringLiteral(TARN_DEVICE_PROVIDER_IID));
 }
 
-TEST_F(SimulatorProvider, introduces_itself)
+TEST_F(SimulatorProvider, IntroducesItself)
 {
     EXPECT_EQ(m_provider->name(), QStringLiteral("simulator"));
     EXPECT_FALSE(m_provider->description().isEmpty());
@@ -43,7 +43,7 @@ TEST_F(SimulatorProvider, introduces_itself)
     EXPECT_EQ(m_provider->addressOptions().size(), 19);
 }
 
-TEST_F(SimulatorProvider, opens_the_first_of_its_addresses)
+TEST_F(SimulatorProvider, OpensTheFirstOfItsAddresses)
 {
     const auto addresses = m_provider->addresses();
     ASSERT_FALSE(addresses.isEmpty());
@@ -54,7 +54,7 @@ TEST_F(SimulatorProvider, opens_the_first_of_its_addresses)
     EXPECT_NE((*device)->control(sdk::ITemperatureControl::key), nullptr);
 }
 
-TEST_F(SimulatorProvider, opens_an_instrument_that_answers)
+TEST_F(SimulatorProvider, OpensAnInstrumentThatAnswers)
 {
     const auto device = m_provider->open({{}, QStringLiteral("none")});
     ASSERT_TRUE(device.has_value());
@@ -67,7 +67,7 @@ TEST_F(SimulatorProvider, opens_an_instrument_that_answers)
     EXPECT_EQ(contents.get_future().get(), (std::vector<std::uint8_t>{1, 2, 3}));
 }
 
-TEST_F(SimulatorProvider, refuses_an_option_that_does_not_exist)
+TEST_F(SimulatorProvider, RefusesAnOptionThatDoesNotExist)
 {
     const auto device = m_provider->open({QStringLiteral("sim,colour=red"), QStringLiteral("none")});
     ASSERT_FALSE(device.has_value());

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(StateCalibrationTest, keeps_the_calibrations_and_the_switches_of_the_corrections)
+TEST_F(StateCalibrationTest, KeepsTheCalibrationsAndTheSwitchesOfTheCorrections)
 {
     {
         const auto device = open();
@@ -59,7 +59,7 @@ TEST_F(StateCalibrationTest, keeps_the_calibrations_and_the_switches_of_the_corr
     EXPECT_EQ(static_cast<int>(corrections.enabledCorrections()), 0x86A1);
 }
 
-TEST_F(StateCalibrationTest, has_a_calibration_when_its_end_is_told)
+TEST_F(StateCalibrationTest, HasACalibrationWhenItsEndIsTold)
 {
     const auto device = open();
     std::map<QString, QByteArray> then;
@@ -72,7 +72,7 @@ TEST_F(StateCalibrationTest, has_a_calibration_when_its_end_is_told)
     EXPECT_EQ(blocks().size(), 2);
 }
 
-TEST_F(StateCalibrationTest, stays_as_it_was_when_a_calibration_or_a_switch_cannot_be_saved)
+TEST_F(StateCalibrationTest, StaysAsItWasWhenACalibrationOrASwitchCannotBeSaved)
 {
     const auto device = open();
     EXPECT_EQ(calibrate<test::Power>(*device), "finished");

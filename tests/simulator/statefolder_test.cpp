@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 const std::error_code success;
 
-TEST_F(StateTest, lasts_from_one_opening_to_the_next)
+TEST_F(StateTest, LastsFromOneOpeningToTheNext)
 {
     const Bytes contents{0, 1, 2, 0, 255};
     {
@@ -35,7 +35,7 @@ TEST_F(StateTest, lasts_from_one_opening_to_the_next)
     EXPECT_TRUE(leakage(*device)->isEnabled());
 }
 
-TEST_F(StateTest, of_a_newer_program_is_named_as_such_however_new_it_is)
+TEST_F(StateTest, OfANewerProgramIsNamedAsSuchHoweverNewItIs)
 {
     writeOnce("a", {1});
     auto text = contentsOf(file("index.json"));
@@ -43,7 +43,7 @@ TEST_F(StateTest, of_a_newer_program_is_named_as_such_however_new_it_is)
     EXPECT_THAT(refused().message.toStdString(), HasSubstr("a newer program wrote it (format version 3000000000,"));
 }
 
-TEST_F(StateTest, cannot_be_where_something_else_is)
+TEST_F(StateTest, CannotBeWhereSomethingElseIs)
 {
     const auto obstacle = m_root.filePath(QStringLiteral("file"));
     replace(obstacle, "x");
@@ -55,7 +55,7 @@ TEST_F(StateTest, cannot_be_where_something_else_is)
     EXPECT_EQ(contentsOf(obstacle), "x");
 }
 
-TEST_F(StateTest, is_durable_when_the_completion_comes)
+TEST_F(StateTest, IsDurableWhenTheCompletionComes)
 {
     const auto device = open();
     ASSERT_EQ(test::write(*files(*device), "f", {1, 2, 3}), success);
@@ -67,7 +67,7 @@ TEST_F(StateTest, is_durable_when_the_completion_comes)
     EXPECT_EQ(contentsOf(file("blocks/") + u'/' + QString::fromLatin1(digest)), "\1\2\3");
 }
 
-TEST_F(StateTest, keeps_one_block_for_equal_contents_and_none_that_is_not_needed)
+TEST_F(StateTest, KeepsOneBlockForEqualContentsAndNoneThatIsNotNeeded)
 {
     const auto device = open();
     ASSERT_EQ(test::write(*files(*device), "a", {1}), success);
@@ -80,7 +80,7 @@ TEST_F(StateTest, keeps_one_block_for_equal_contents_and_none_that_is_not_needed
     EXPECT_EQ(test::read(*files(*device), "a").first, (Bytes{2}));
 }
 
-TEST_F(StateTest, keeps_instruments_apart_by_their_names)
+TEST_F(StateTest, KeepsInstrumentsApartByTheirNames)
 {
     const auto one = open("one");
     const auto two = open("two");
@@ -89,7 +89,7 @@ TEST_F(StateTest, keeps_instruments_apart_by_their_names)
     EXPECT_TRUE(QFile::exists(m_root.filePath(QStringLiteral("simulator/one/index.json"))));
 }
 
-TEST_F(StateTest, is_not_kept_when_nothing_is_to_be_kept)
+TEST_F(StateTest, IsNotKeptWhenNothingIsToBeKept)
 {
     const auto before = QDir::current().entryList();
     for (const auto* const none : {"none", ""}) {
@@ -101,7 +101,7 @@ TEST_F(StateTest, is_not_kept_when_nothing_is_to_be_kept)
     EXPECT_TRUE(everything().empty());
 }
 
-TEST_F(StateTest, keeps_sections_that_this_instrument_does_not_have)
+TEST_F(StateTest, KeepsSectionsThatThisInstrumentDoesNotHave)
 {
     {
         const auto device = open();
@@ -114,7 +114,7 @@ TEST_F(StateTest, keeps_sections_that_this_instrument_does_not_have)
     EXPECT_TRUE(leakage(*open())->isEnabled());
 }
 
-TEST_F(StateTest, fails_the_operation_and_stays_as_it_was_when_it_cannot_be_saved)
+TEST_F(StateTest, FailsTheOperationAndStaysAsItWasWhenItCannotBeSaved)
 {
     const auto device = open();
     ASSERT_EQ(test::write(*files(*device), "f", {1}), success);
@@ -127,7 +127,7 @@ TEST_F(StateTest, fails_the_operation_and_stays_as_it_was_when_it_cannot_be_save
     EXPECT_EQ(test::write(*files(*device), "f", {3}), success) << "works again";
 }
 
-TEST_F(StateTest, throws_and_stays_as_it_was_when_a_setting_cannot_be_saved)
+TEST_F(StateTest, ThrowsAndStaysAsItWasWhenASettingCannotBeSaved)
 {
     const auto device = open();
     leakage(*device)->setEnabled(true);
@@ -144,7 +144,7 @@ TEST_F(StateTest, throws_and_stays_as_it_was_when_a_setting_cannot_be_saved)
     EXPECT_FALSE(leakage(*device)->isEnabled()) << "works again";
 }
 
-TEST_F(StateTest, is_durable_when_the_switch_returns)
+TEST_F(StateTest, IsDurableWhenTheSwitchReturns)
 {
     const auto device = open();
     leakage(*device)->setEnabled(true);
@@ -152,7 +152,7 @@ TEST_F(StateTest, is_durable_when_the_switch_returns)
     EXPECT_EQ(index[QStringLiteral("sections")][QStringLiteral("loLeakage")], true);
 }
 
-TEST_F(StateTest, replaces_the_index_in_one_step)
+TEST_F(StateTest, ReplacesTheIndexInOneStep)
 {
     const auto device = open();
     ASSERT_EQ(test::write(*files(*device), "f", {1}), success);
@@ -165,7 +165,7 @@ TEST_F(StateTest, replaces_the_index_in_one_step)
     EXPECT_NE(contentsOf(file("index.json")), old);
 }
 
-TEST_F(StateTest, survives_a_kill_between_the_block_and_the_index)
+TEST_F(StateTest, SurvivesAKillBetweenTheBlockAndTheIndex)
 {
     writeOnce("f", {1});
     // What such a kill leaves: the new block, and an index that was being written.
@@ -179,7 +179,7 @@ TEST_F(StateTest, survives_a_kill_between_the_block_and_the_index)
     EXPECT_FALSE(QFile::exists(file("unfinished")));
 }
 
-TEST_F(StateTest, leaves_alone_what_is_not_its_own)
+TEST_F(StateTest, LeavesAloneWhatIsNotItsOwn)
 {
     writeOnce("f", {1});
     const auto others = {"index.json.bak", "index.json.backup", "notes.txt", "blocks/notes.txt",
@@ -191,7 +191,7 @@ TEST_F(StateTest, leaves_alone_what_is_not_its_own)
         EXPECT_EQ(contentsOf(file(name)), "precious") << name;
 }
 
-TEST_F(StateTest, leaves_nothing_behind_when_a_file_cannot_be_replaced)
+TEST_F(StateTest, LeavesNothingBehindWhenAFileCannotBeReplaced)
 {
     const auto device = open();
     ASSERT_TRUE(QFile::remove(file("index.json")));
@@ -200,7 +200,7 @@ TEST_F(StateTest, leaves_nothing_behind_when_a_file_cannot_be_replaced)
     EXPECT_FALSE(QFile::exists(file("unfinished")));
 }
 
-TEST_F(StateTest, is_old_or_new_and_whole_after_a_kill_at_any_moment)
+TEST_F(StateTest, IsOldOrNewAndWholeAfterAKillAtAnyMoment)
 {
     for (int round = 0; round < 21; ++round) {
         auto process = writer();
@@ -232,14 +232,14 @@ TEST_F(StateTest, is_old_or_new_and_whole_after_a_kill_at_any_moment)
     }
 }
 
-TEST(SyncFolder, accepts_a_file_system_that_has_nothing_to_sync)
+TEST(SyncFolder, AcceptsAFileSystemThatHasNothingToSync)
 {
     ASSERT_TRUE(QFile::exists(QStringLiteral("/proc/self"))) << "not the system that this test knows";
     EXPECT_TRUE(syncFolder(QStringLiteral("/proc/self/fd")));
     EXPECT_FALSE(syncFolder(QStringLiteral("/proc/self/no such folder")));
 }
 
-TEST_F(StateTest, is_refused_when_the_folder_cannot_be_made)
+TEST_F(StateTest, IsRefusedWhenTheFolderCannotBeMade)
 {
     replace(m_root.filePath(QStringLiteral("simulator")), "a file in the way");
     const auto error = refused();
@@ -247,7 +247,7 @@ TEST_F(StateTest, is_refused_when_the_folder_cannot_be_made)
     EXPECT_THAT(error.message.toStdString(), HasSubstr(folder().toStdString()));
 }
 
-TEST_F(StateTest, begins_with_an_index)
+TEST_F(StateTest, BeginsWithAnIndex)
 {
     ASSERT_TRUE(QDir{}.mkpath(file("blocks")));
     replace(file("blocks/readme"), "not a block");

@@ -18,7 +18,7 @@ using testing::HasSubstr;
 
 class StateLockTest : public StateTest { };
 
-TEST_F(StateLockTest, belongs_to_one_process_at_a_time)
+TEST_F(StateLockTest, BelongsToOneProcessAtATime)
 {
     auto process = holder();
     ASSERT_EQ(process.readLine(), "open");
@@ -37,7 +37,7 @@ TEST_F(StateLockTest, belongs_to_one_process_at_a_time)
     EXPECT_NE(open(), nullptr) << "and so is this one once the holder has ended";
 }
 
-TEST_F(StateLockTest, belongs_to_one_instrument_of_a_process_at_a_time)
+TEST_F(StateLockTest, BelongsToOneInstrumentOfAProcessAtATime)
 {
     auto first = open();
     const auto error = refused();
@@ -47,7 +47,7 @@ TEST_F(StateLockTest, belongs_to_one_instrument_of_a_process_at_a_time)
     EXPECT_NE(open(), nullptr);
 }
 
-TEST_F(StateLockTest, is_waited_for_while_its_holder_is_about_to_end)
+TEST_F(StateLockTest, IsWaitedForWhileItsHolderIsAboutToEnd)
 {
     auto first = open();
     int waited = 0;
@@ -59,7 +59,7 @@ TEST_F(StateLockTest, is_waited_for_while_its_holder_is_about_to_end)
     EXPECT_EQ(waited, 3);
 }
 
-TEST_F(StateLockTest, is_free_whatever_the_lock_file_says_when_nobody_holds_it)
+TEST_F(StateLockTest, IsFreeWhateverTheLockFileSaysWhenNobodyHoldsIt)
 {
     writeOnce("f", {1});
     for (const auto* const contents :
@@ -69,13 +69,13 @@ TEST_F(StateLockTest, is_free_whatever_the_lock_file_says_when_nobody_holds_it)
     }
 }
 
-TEST_F(StateLockTest, keeps_the_lock_file_so_that_all_lock_the_same_one)
+TEST_F(StateLockTest, KeepsTheLockFileSoThatAllLockTheSameOne)
 {
     static_cast<void>(open());
     EXPECT_TRUE(QFile::exists(file("lock"))) << "whoever waits has it open";
 }
 
-TEST_F(StateLockTest, is_free_again_after_its_holder_was_killed)
+TEST_F(StateLockTest, IsFreeAgainAfterItsHolderWasKilled)
 {
     auto process = holder();
     ASSERT_EQ(process.readLine(), "open");

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 const std::error_code success;
 
-TEST_F(StateTest, keeps_the_memory_the_potentiometers_the_serial_number_and_the_usb_identity)
+TEST_F(StateTest, KeepsTheMemoryThePotentiometersTheSerialNumberAndTheUsbIdentity)
 {
     const auto image = test::makeImage(200'000);
     test::UsbId::UsbId usbId{};
@@ -40,7 +40,7 @@ TEST_F(StateTest, keeps_the_memory_the_potentiometers_the_serial_number_and_the_
     EXPECT_EQ(device->model(), control<test::UsbId>(*device)->supportedDevices().at(20).model);
 }
 
-TEST_F(StateTest, keeps_the_ram_of_the_potentiometers_no_longer_than_the_power)
+TEST_F(StateTest, KeepsTheRamOfThePotentiometersNoLongerThanThePower)
 {
     {
         const auto device = open("power-loss-every=1");
@@ -51,7 +51,7 @@ TEST_F(StateTest, keeps_the_ram_of_the_potentiometers_no_longer_than_the_power)
               (PotentiometerModel::Value{.ram = 0, .eeprom = 0, .eepromWrites = 0}));
 }
 
-TEST_F(StateTest, keeps_an_image_as_one_block_and_an_erased_memory_as_none)
+TEST_F(StateTest, KeepsAnImageAsOneBlockAndAnErasedMemoryAsNone)
 {
     const auto device = open();
     const auto memory = control<test::Memory>(*device);
@@ -62,7 +62,7 @@ TEST_F(StateTest, keeps_an_image_as_one_block_and_an_erased_memory_as_none)
     EXPECT_TRUE(blocks().isEmpty());
 }
 
-TEST_F(StateTest, is_not_written_before_a_long_operation_ends)
+TEST_F(StateTest, IsNotWrittenBeforeALongOperationEnds)
 {
     const auto device = open();
     const auto memory = control<test::Memory>(*device);
@@ -79,7 +79,7 @@ TEST_F(StateTest, is_not_written_before_a_long_operation_ends)
     memory->removeObserver(&observer);
 }
 
-TEST_F(StateTest, keeps_what_an_interruption_has_left)
+TEST_F(StateTest, KeepsWhatAnInterruptionHasLeft)
 {
     {
         const auto device = open();
@@ -98,7 +98,7 @@ TEST_F(StateTest, keeps_what_an_interruption_has_left)
     EXPECT_EQ(left.back(), test::makeImage(200'000, 1).back());
 }
 
-TEST_F(StateTest, is_corrupted_for_the_time_of_one_opening)
+TEST_F(StateTest, IsCorruptedForTheTimeOfOneOpening)
 {
     const auto image = test::makeImage(100'000);
     {
@@ -116,7 +116,7 @@ TEST_F(StateTest, is_corrupted_for_the_time_of_one_opening)
     EXPECT_EQ(test::read(*control<test::Memory>(*device)).first, image);
 }
 
-TEST_F(StateTest, is_refused_when_the_image_does_not_fit_into_the_memory)
+TEST_F(StateTest, IsRefusedWhenTheImageDoesNotFitIntoTheMemory)
 {
     {
         const auto device = open("memory-size=8MiB");
@@ -128,7 +128,7 @@ TEST_F(StateTest, is_refused_when_the_image_does_not_fit_into_the_memory)
     EXPECT_NE(open(), nullptr) << "the size is part of the state";
 }
 
-TEST_F(StateTest, is_not_taken_over_when_it_cannot_be_saved)
+TEST_F(StateTest, IsNotTakenOverWhenItCannotBeSaved)
 {
     const auto device = open();
     ASSERT_TRUE(QDir{folder()}.mkdir(QStringLiteral("unfinished"))); // in the way

@@ -20,7 +20,7 @@ float heatingOf(ThermalModel& model, const std::string& module, Duration time, c
     return model.measure(time).modules.at(module) - cold.modules.at(module);
 }
 
-TEST(ThermalModelTest, starts_at_the_ambient_temperature)
+TEST(ThermalModelTest, StartsAtTheAmbientTemperature)
 {
     ThermalModel model{5, 0s};
     EXPECT_GE(model.ambient(), 22.5);
@@ -31,7 +31,7 @@ TEST(ThermalModelTest, starts_at_the_ambient_temperature)
         EXPECT_NEAR(temperature, model.ambient(), ripple + tolerance) << module;
 }
 
-TEST(ThermalModelTest, warms_up_by_the_exponential_of_each_module)
+TEST(ThermalModelTest, WarmsUpByTheExponentialOfEachModule)
 {
     ThermalModel model{5, 0s};
     const auto cold = model.measure(0s);
@@ -44,14 +44,14 @@ TEST(ThermalModelTest, warms_up_by_the_exponential_of_each_module)
     EXPECT_NEAR(heatingOf(model, "LO", 24h, cold), 12.0F, tolerance);
 }
 
-TEST(ThermalModelTest, counts_the_time_from_switch_on)
+TEST(ThermalModelTest, CountsTheTimeFromSwitchOn)
 {
     ThermalModel model{5, 1000s};
     const auto cold = model.measure(1000s);
     EXPECT_NEAR(heatingOf(model, "LO", 1180s, cold), 7.585447F, tolerance);
 }
 
-TEST(ThermalModelTest, does_not_depend_on_how_often_it_is_asked)
+TEST(ThermalModelTest, DoesNotDependOnHowOftenItIsAsked)
 {
     ThermalModel often{5, 0s};
     ThermalModel once{5, 0s};
@@ -63,7 +63,7 @@ TEST(ThermalModelTest, does_not_depend_on_how_often_it_is_asked)
         EXPECT_NEAR(temperature, b.modules.at(module), tolerance) << module;
 }
 
-TEST(ThermalModelTest, ripples_by_a_twentieth_of_a_kelvin_a_minute)
+TEST(ThermalModelTest, RipplesByATwentiethOfAKelvinAMinute)
 {
     ThermalModel model{5, 0s};
     static_cast<void>(model.measure(24h)); // warm by now
@@ -78,7 +78,7 @@ TEST(ThermalModelTest, ripples_by_a_twentieth_of_a_kelvin_a_minute)
     EXPECT_NEAR(most, model.ambient() + 12.0 + ripple, 1e-3);
 }
 
-TEST(ThermalModelTest, heats_one_module_more_when_told_to)
+TEST(ThermalModelTest, HeatsOneModuleMoreWhenToldTo)
 {
     ThermalModel model{5, 0s};
     const auto cold = model.measure(0s);
@@ -92,7 +92,7 @@ TEST(ThermalModelTest, heats_one_module_more_when_told_to)
     EXPECT_NEAR(heatingOf(model, "LO", 72h, cold), 12.0F, tolerance);
 }
 
-TEST(ThermalModelTest, reports_the_mean_as_the_temperature_of_the_instrument)
+TEST(ThermalModelTest, ReportsTheMeanAsTheTemperatureOfTheInstrument)
 {
     ThermalModel model{5, 0s};
     const auto measured = model.measure(123s);
@@ -102,7 +102,7 @@ TEST(ThermalModelTest, reports_the_mean_as_the_temperature_of_the_instrument)
     EXPECT_NEAR(measured.instrument, sum / 5.0F, tolerance);
 }
 
-TEST(ThermalModelTest, is_the_same_for_the_same_seed_alone)
+TEST(ThermalModelTest, IsTheSameForTheSameSeedAlone)
 {
     ThermalModel first{5, 0s};
     ThermalModel same{5, 0s};
@@ -112,7 +112,7 @@ TEST(ThermalModelTest, is_the_same_for_the_same_seed_alone)
     EXPECT_NE(other.measure(77s).modules, measured);
 }
 
-TEST(ThermalModelTest, does_not_run_backwards)
+TEST(ThermalModelTest, DoesNotRunBackwards)
 {
     ThermalModel model{5, 0s};
     const auto later = model.measure(600s);
@@ -120,7 +120,7 @@ TEST(ThermalModelTest, does_not_run_backwards)
     EXPECT_NEAR(earlier.modules.at("LO"), later.modules.at("LO"), 2 * ripple + tolerance);
 }
 
-TEST(ThermalModelTest, ignores_a_module_that_it_does_not_have)
+TEST(ThermalModelTest, IgnoresAModuleThatItDoesNotHave)
 {
     ThermalModel model{5, 0s};
     ThermalModel untouched{5, 0s};

@@ -36,7 +36,7 @@ test::UsbId::UsbId identityOf(test::UsbId& usb, sdk::Model model)
     return std::ranges::find(records, model, &test::UsbId::DeviceRecord::model)->usbId;
 }
 
-TEST(UsbIdListTest, has_one_identity_for_each_model_of_the_catalogue)
+TEST(UsbIdListTest, HasOneIdentityForEachModelOfTheCatalogue)
 {
     const ManualInstrument instrument;
     const auto records = instrument.control<test::UsbId>()->supportedDevices();
@@ -69,14 +69,14 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, UsbIdTest, testing::Values(CompletionMode::Thread, CompletionMode::Inline));
 
-TEST_P(UsbIdTest, is_that_of_the_model)
+TEST_P(UsbIdTest, IsThatOfTheModel)
 {
     EXPECT_TRUE(usb->isAvailable());
     EXPECT_EQ(usb->currentDevice().model, models::vell::vell801);
     EXPECT_THAT(usb->supportedDevices(), testing::Contains(usb->currentDevice()));
 }
 
-TEST_P(UsbIdTest, decides_the_model_and_the_controls_once_they_are_offered_anew)
+TEST_P(UsbIdTest, DecidesTheModelAndTheControlsOnceTheyAreOfferedAnew)
 {
     Journal journal;
     LifecycleObserver observer{journal};
@@ -102,7 +102,7 @@ TEST_P(UsbIdTest, decides_the_model_and_the_controls_once_they_are_offered_anew)
     instrument.vna->removeObserver(&observer);
 }
 
-TEST_P(UsbIdTest, is_reported_when_the_controls_come_back)
+TEST_P(UsbIdTest, IsReportedWhenTheControlsComeBack)
 {
     instrument.vna->drop();
     EXPECT_EQ(test::write(*usb, identityOf(*usb, models::marl::marl302)), success);
@@ -112,7 +112,7 @@ TEST_P(UsbIdTest, is_reported_when_the_controls_come_back)
     EXPECT_EQ(instrument.vna->model(), models::marl::marl302);
 }
 
-TEST_P(UsbIdTest, is_refused_when_no_model_has_it)
+TEST_P(UsbIdTest, IsRefusedWhenNoModelHasIt)
 {
     Journal journal;
     LifecycleObserver observer{journal};
@@ -131,7 +131,7 @@ TEST_P(UsbIdTest, is_refused_when_no_model_has_it)
     instrument.vna->removeObserver(&observer);
 }
 
-TEST_P(UsbIdTest, is_protected_with_the_memory)
+TEST_P(UsbIdTest, IsProtectedWithTheMemory)
 {
     FaultPlan plan;
     plan.writeProtect = true;
@@ -141,7 +141,7 @@ TEST_P(UsbIdTest, is_protected_with_the_memory)
     EXPECT_EQ(instrument.vna->model(), models::vell::vell801);
 }
 
-TEST_P(UsbIdTest, can_be_written_from_a_notification)
+TEST_P(UsbIdTest, CanBeWrittenFromANotification)
 {
     Journal journal;
     LifecycleObserver observer{journal};
@@ -161,7 +161,7 @@ TEST_P(UsbIdTest, can_be_written_from_a_notification)
     instrument.vna->removeObserver(&observer);
 }
 
-TEST_P(UsbIdTest, changes_only_the_model_of_an_instrument_with_every_control)
+TEST_P(UsbIdTest, ChangesOnlyTheModelOfAnInstrumentWithEveryControl)
 {
     const ManualInstrument full{settingsOf(Profile::Full, GetParam())};
     auto& control = *full.control<test::UsbId>();
@@ -172,7 +172,7 @@ TEST_P(UsbIdTest, changes_only_the_model_of_an_instrument_with_every_control)
     EXPECT_NE(full.control<test::Leakage>(), nullptr);
 }
 
-TEST_P(UsbIdTest, can_be_written_when_the_device_is_gone)
+TEST_P(UsbIdTest, CanBeWrittenWhenTheDeviceIsGone)
 {
     instrument.vna.reset();
     EXPECT_EQ(test::write(*usb, identityOf(*usb, models::marl::marl302)), success);
