@@ -2,8 +2,8 @@
 
 #include <devices/errortermsconversion.h>
 #include <devices/service/access.h>
+#include <devices/service/enummappings.h>
 #include <devices/service/frequencyplanconversion.h>
-#include <devices/service/mirrorederror.h>
 #include <utils/observerlist.h>
 
 #include <utility>
@@ -25,7 +25,7 @@ public:
     void onWriteFinished() override { observers.notify(&To::onWriteFinished); }
     void onErrorOccurred(Sdk::Error error) override
     {
-        observers.notify(&To::onErrorOccurred, mirroredError(error, ISystemTermsControl::Error::WriteFailed));
+        observers.notify(&To::onErrorOccurred, mirrored<ISystemTermsControl::Error::WriteFailed>(error));
     }
 
     utils::ObserverList<To> observers;

@@ -2,7 +2,7 @@
 
 #include <devices/reacquiringcontrol.h>
 #include <devices/service/access.h>
-#include <devices/service/mirrorederror.h>
+#include <devices/service/enummappings.h>
 #include <utils/mutex.h>
 
 #include <atomic>
@@ -92,7 +92,7 @@ private:
         void onWriteFinished() override { relay(&Observer::onWriteFinished); }
         void onError(typename Sdk::Error error) override
         {
-            relay(&Observer::onError, mirroredError(error, Control::Error::ValueOutOfRange));
+            relay(&Observer::onError, mirrored<Control::Error::ValueOutOfRange>(error));
         }
 
         /// The observer has been removed: whoever registers the adapter now must take that back.

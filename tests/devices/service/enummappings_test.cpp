@@ -1,5 +1,6 @@
+#include <devices/service/enummappings.h>
+
 #include <devices/service/isystemtermscontrol.h>
-#include <devices/service/mirrorederror.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
 #include <sdk/service/isystemtermscontrol.h>
@@ -13,9 +14,11 @@ namespace tarn::tests {
 namespace {
 
 using devices::service::ISystemTermsControl;
-using devices::service::mirroredError;
+using devices::service::mirrored;
+using devices::service::saturated;
 using devices::service::SdkVellFactoryPowerCalibrationControl;
 using devices::service::SdkVellIfswCalibrationControl;
+using devices::service::unchanged;
 
 // What the numbers mean on both sides.
 template <class A, class B>
@@ -44,15 +47,35 @@ static_assert(mirrorsThree<sdk::service::IVellFactoryPowerCalibrationControl::Er
                            SdkVellFactoryPowerCalibrationControl::Error>);
 
 enum class Wide : std::int64_t { };
-enum class Mirrored { Failed = 0, Last = 3 };
+enum class Number : std::int32_t { Zero = 0, Last = 3 };
 
-TEST(MirroredError, KeepsTheNumbersUpToTheLastAndMakesZeroOfAllOthers)
+constexpr std::int64_t wrapped = 0x1'0000'0001; // 1, if it were cut to 32 bits
+
+template <class Mapping>
+std::int64_t numberOf(Mapping mapping, std::int64_t number)
 {
-    for (std::int64_t number = -300; number <= 300; ++number) {
-        const auto error = std::to_underlying(mirroredError(static_cast<Wide>(number), Mirrored::Last));
-        EXPECT_EQ(error, number >= 1 && number <= 3 ? number : 0);
-    }
-    EXPECT_EQ(mirroredError(static_cast<Wide>(0x1'0000'0001), Mirrored::Last), Mirrored::Failed);
+    return std::to_underlying(mapping(static_cast<Wide>(number)));
+}
+
+TEST(EnumMappings, MirroredKeepsTheNumbersUpToTheLastAndMakesZeroOfAllOthers)
+{
+    for (std::int64_t number = -300; number <= 300; ++number)
+        EXPECT_EQ(numberOf(mirrored<Number::Last>, number), number >= 1 && number <= 3 ? number : 0);
+    EXPECT_EQ(numberOf(mirrored<Number::Last>, wrapped), 0);
+}
+
+TEST(EnumMappings, SaturatedKeepsTheNumbersUpToTheLastAndMakesThatOfAllOthers)
+{
+    for (std::int64_t number = -300; number <= 300; ++number)
+        EXPECT_EQ(numberOf(saturated<Number::Last>, number), number >= 0 && number <= 3 ? number : 3);
+    EXPECT_EQ(numberOf(saturated<Number::Last>, wrapped), 3);
+}
+
+TEST(EnumMappings, UnchangedKeepsEveryNumber)
+{
+    for (std::int64_t number = -300; number <= 300; ++number)
+        EXPECT_EQ(numberOf(unchanged<Number>, number), number);
+    EXPECT_EQ(numberOf(unchanged<Wide>, wrapped), wrapped);
 }
 
 } // namespace
