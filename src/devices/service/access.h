@@ -17,6 +17,16 @@ template <class T, class Value, class Operation>
     return neutral;
 }
 
+/// As above, for a getter that hands on what `convert` makes of the operation's result. It is
+/// called while the strong handle is kept.
+template <class T, class Value, class Operation, class Convert>
+[[nodiscard]] Value valueOr(Value neutral, const ReacquiringControl<T>& control, Operation operation, Convert convert)
+{
+    if (const auto locked = control.lock())
+        return std::invoke(convert, std::invoke(operation, *locked));
+    return neutral;
+}
+
 /// The setter of every adapter: calls `operation` on the SDK control with `arguments`, or nothing
 /// when the control is unavailable. Locks once, keeps the strong handle for the length of the call.
 template <class T, class Operation, class... Arguments>

@@ -1,0 +1,14 @@
+#pragma once
+
+namespace tarn::utils {
+
+/// The values from `lower` to `upper`, both included.
+template <class T>
+struct Range {
+    T lower;
+    T upper;
+
+    friend bool operator==(const Range&, const Range&) = default;
+};
+
+} // namespace tarn::utils
