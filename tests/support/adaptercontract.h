@@ -1,5 +1,6 @@
 #pragma once
 
+#include <support/adapteroperation.h>
 #include <support/exceptions.h>
 #include <support/fakevna.h>
 
@@ -28,24 +29,6 @@
 ///     };
 ///     INSTANTIATE_TYPED_TEST_SUITE_P(Foo, AdapterContract, FooContract);
 namespace tarn::tests {
-
-/// What the result of an operation tells its caller.
-enum class Outcome {
-    Unavailable, ///< the result that stands for an unavailable control
-    Answered, ///< another one
-    NoResult, ///< nothing: the operation has none
-};
-
-/// One operation of an adapter, together with one SDK call that it makes.
-template <class Adapter, class Mock>
-struct Operation {
-    std::string name;
-    /// Runs the operation.
-    std::function<Outcome(Adapter&)> run;
-    /// Makes that SDK call of `mock` first run `inside`, then answer so that the outcome of an
-    /// operation with a result is `Answered`.
-    std::function<void(Mock& mock, std::function<void()> inside)> stub;
-};
 
 /// An adapter before a device that a test offers controls on and takes them from.
 template <class Contract>
