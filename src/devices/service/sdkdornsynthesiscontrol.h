@@ -1,0 +1,41 @@
+#pragma once
+
+#include <devices/reacquiringcontrol.h>
+#include <devices/service/export.h>
+#include <sdk/service/idornsynthesiscontrol.h>
+
+#include <cstdint>
+
+namespace tarn::devices::service {
+
+/// The reference frequency of a Dorn device.
+///
+/// While the instrument does not offer the control the setters do nothing, and the getters return
+/// what their comments name after "unavailable". Values are not checked here; the instrument judges
+/// them.
+///
+/// Threads: thread-safe; each operation calls the instrument without a lock of this library held.
+/// Exceptions of the device pass through.
+class TARN_DEVICES_SERVICE_EXPORT SdkDornSynthesisControl final {
+public:
+    static constexpr std::uint64_t registryKey = 0x374b2cb5ef097bee;
+
+    /// The SDK's list of frequencies, in Hz.
+    using Frequencies = sdk::service::IDORNSynthesisControl::Frequencies;
+
+    explicit SdkDornSynthesisControl(ReacquiringControl<sdk::service::IDORNSynthesisControl> control);
+
+    /// The reference frequencies that can be set; unavailable: empty.
+    [[nodiscard]] Frequencies availableReferenceFrequencies() const;
+
+    /// The reference frequency, in Hz; unavailable: 0.0.
+    [[nodiscard]] double currentReferenceFrequency() const;
+
+    /// Sets the reference frequency, in Hz.
+    void setReferenceFrequency(double frequency);
+
+private:
+    ReacquiringControl<sdk::service::IDORNSynthesisControl> m_control;
+};
+
+} // namespace tarn::devices::service
