@@ -1,0 +1,15 @@
+#include "velltuning.h"
+
+namespace tarn::tests {
+namespace {
+
+using Sdk = VellSynthesis::Sdk;
+
+TEST(VellSynthesisInterface, HasItsOperationsInTheOrderOfTheSdk)
+{
+    expectSlots(&Sdk::setManualIfEnabled, &Sdk::manualIfEnabled, &Sdk::setSelectedIf, &Sdk::selectedIf,
+                &Sdk::supportedIfs);
+}
+
+} // namespace
+} // namespace tarn::tests
