@@ -83,7 +83,9 @@ private:
         const auto* const control = std::any_cast<std::shared_ptr<Type>>(&value);
         if (!control)
             return std::nullopt;
-        if constexpr (std::is_polymorphic_v<Type>)
+        // A final class that is none is not asked: a host may know its header alone, not its type information.
+        if constexpr (std::is_base_of_v<IControlLifecycleObserver, Type>
+                      || (std::is_polymorphic_v<Type> && !std::is_final_v<Type>))
             return dynamic_cast<IControlLifecycleObserver*>(control->get());
         else
             return nullptr;
