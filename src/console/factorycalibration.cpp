@@ -31,7 +31,7 @@ Change confirmedChange(const Output& output, const Saving& saving, const SaveOpt
             .leftBehind = "the instrument may be left with the old or the new " + name,
             .advice = "'tarn-service calibrations status' tells what the instrument holds; save the data again to be "
                       "sure of it",
-            .progress = OperationName{"write", doing, OperationName::Unit::Percent}};
+            .progress = OperationName{.word = "write", .doing = doing, .unit = OperationName::Unit::Percent}};
 }
 
 } // namespace tarn::console

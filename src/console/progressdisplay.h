@@ -17,8 +17,8 @@ namespace tarn::console {
 struct OperationName {
     enum class Unit { Bytes, Steps, Percent };
 
-    std::string_view word; ///< for machines: "write"
-    std::string_view doing; ///< for people: "writing the memory"
+    std::string word; ///< for machines: "write"
+    std::string doing; ///< for people: "writing the memory"
     Unit unit; ///< what its progress counts
 };
 

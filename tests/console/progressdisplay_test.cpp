@@ -6,7 +6,7 @@ namespace tarn::console {
 
 using namespace std::chrono_literals;
 
-constexpr OperationName writing{"write", "writing", OperationName::Unit::Bytes};
+const OperationName writing{"write", "writing", OperationName::Unit::Bytes};
 constexpr int wide = 200;
 
 TEST(ProgressText, ShowsSizesInBinaryUnits)
