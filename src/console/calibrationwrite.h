@@ -92,7 +92,7 @@ private:
 
 /// Makes a write of calibration data and waits for its end, which `Observer`, a `WriteObserver`,
 /// hears; `request(control)` asks for the write. Throws `Error`: `Failed` when the instrument refuses
-/// or fails, `InstrumentLost` when it is lost; either says what is known.
+/// or fails or the device throws, `InstrumentLost` when it is lost; either says what is known.
 template <class Observer, class Control, class Request>
 void writeCalibration(const Change& change, const Instrument& instrument, const Output& output, Request request)
 {
@@ -104,10 +104,15 @@ void writeCalibration(const Change& change, const Instrument& instrument, const 
         CalibrationWrite write{instrument, Control::registryKey,
                                [&](LongRequest::Progress progress) { longRequest.onProgress(progress); }};
         Observer observer{write};
-        const Registration registration{*control, static_cast<typename Control::Observer&>(observer)};
+        std::optional<Registration<Control, typename Control::Observer>> registration;
+        instrument.undisturbed([&] { registration.emplace(*control, observer); }); // a return would miss it
         whileThere<Control>(instrument, Control::registryKey, change.target, [&](Control& there) {
             write.requested();
-            request(there);
+            try {
+                request(there);
+            } catch (...) {
+                throw changeBroken(change, caughtError().message());
+            }
         });
         return write.wait();
     });

@@ -38,7 +38,7 @@ public:
 
     /// See `InstrumentControls::undisturbed`.
     template <class Operation>
-    void undisturbed(Operation operation)
+    void undisturbed(Operation operation) const
     {
         m_controls.undisturbed(std::move(operation));
     }

@@ -66,7 +66,7 @@ public:
     /// control that must not meet a lifecycle notification. Never call it from inside one: it would
     /// wait for itself. What `operation` throws passes through.
     template <class Operation>
-    void undisturbed(Operation operation)
+    void undisturbed(Operation operation) const
     {
         const utils::MutexLock lock{m_lifecycleMutex};
         operation();
@@ -115,7 +115,7 @@ private:
     const std::shared_ptr<sdk::IVna> m_device;
     const ControlRegistry& m_registry;
     const std::vector<LifecycleCast> m_casts;
-    utils::Mutex m_lifecycleMutex; ///< held while controls are created and notified
+    mutable utils::Mutex m_lifecycleMutex; ///< held while controls are created and notified
     mutable utils::Mutex m_mutex; ///< guards the map alone
     std::unordered_map<std::uint64_t, std::shared_ptr<const Held>> m_controls TARN_GUARDED_BY(m_mutex);
 };

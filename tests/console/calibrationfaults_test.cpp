@@ -77,6 +77,15 @@ TEST_P(LostCalibration, EndsWithATruthfulCodeAndSaysWhatIsKnown)
     EXPECT_EQ(status().count(" empty\n"), 3) << status().toStdString();
 }
 
+TEST_F(CalibrationFaultsTest, AnExceptionOfTheRequestLeavesItUnknownWhatWasWritten)
+{
+    const auto says = testing::ContainsRegex("(writing|saving) the .* failed: .*told to throw; whether the .* was "
+                                             "changed is not known(.|\n)*hint: .*again to be sure");
+    EXPECT_THAT(at("throw-every=1", saveIfsw).err.toStdString(), says);
+    EXPECT_THAT(at("throw-every=1", "power-calibration save power --value 20 --yes").err.toStdString(), says);
+    EXPECT_THAT(at("throw-every=1", "system-terms write terms --value 20 --yes").err.toStdString(), says);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Losses, LostCalibration,
     testing::Values(
