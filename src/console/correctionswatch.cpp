@@ -79,9 +79,7 @@ private:
 class Reporting {
 public:
     Reporting(Instrument& instrument, Control& control, WatchLoop& loop)
-        : m_instrument{instrument}
-        , m_control{control}
-        , m_reporter{std::make_shared<Reporter>(control, loop)}
+        : Reporting{instrument, control, std::make_shared<Reporter>(control, loop)} // ends what fails below
     {
         m_instrument.keep(m_reporter); // a control that is away does not let it go
         m_instrument.undisturbed([this] {
@@ -101,6 +99,13 @@ public:
     }
 
 private:
+    Reporting(Instrument& instrument, Control& control, std::shared_ptr<Reporter> reporter)
+        : m_instrument{instrument}
+        , m_control{control}
+        , m_reporter{std::move(reporter)}
+    {
+    }
+
     Instrument& m_instrument;
     Control& m_control;
     const std::shared_ptr<Reporter> m_reporter;

@@ -186,6 +186,15 @@ TEST_F(CorrectionsCommandTest, CalibrationWatchShowsEveryControllerThoughItsOwnQ
     EXPECT_GE(lines[2], 10);
 }
 
+TEST_F(CorrectionsCommandTest, WatchEndsWithAnExceptionOfTheInstrument)
+{
+    for (const auto* const address : {"throw-every=1", "throw-every=2", "throw-every=2,drop-every=1"}) {
+        const auto outcome = runAt(QString::fromUtf8(address), words("corrections watch"));
+        EXPECT_EQ(outcome.exitCode, 1) << address;
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr("told to throw")) << address;
+    }
+}
+
 TEST_F(CorrectionsCommandTest, CalibrationWatchEndsWithAnExceptionOfTheInstrument)
 {
     const auto outcome = runAt(QStringLiteral("throw-every=1"), words("calibrations watch"));
