@@ -98,7 +98,7 @@ struct LoLeakageCommand : CommandOf<devices::service::SdkLoLeakageControl, sdk::
     static void tour(Tour& tour);
 };
 
-/// `system-terms plan|override|write|example`.
+/// `system-terms plan|override|write|example|example-plan`.
 struct SystemTermsCommand : CommandOf<devices::service::ISystemTermsControl, sdk::service::ISystemTermsControl> {
     static constexpr std::string_view name = "system-terms";
     static constexpr std::string_view purpose

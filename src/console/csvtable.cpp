@@ -105,7 +105,8 @@ std::vector<CsvRow> readCsv(const SourceFile& file, const QByteArray& bytes, std
             row.emplace_back(file, line.number, columns[i], fields[i]);
     }
     if (rows.empty())
-        throw badFile(file, "the last line", found ? "no row" : "no header", found ? "at least one" : header);
+        throw badFile(file, "the last line", found ? "no row" : "no header",
+                      found ? "at least one" : fmt::format("the header '{}'", header));
     return rows;
 }
 

@@ -13,7 +13,8 @@ constexpr std::uint64_t mostExamplePoints = 100'000; // nobody reads a longer ex
 
 std::string segmentText(const vna::FrequencySegment& segment)
 {
-    return fmt::format("{} Hz to {} Hz in {} points", segment.start, segment.stop, segment.pointCount);
+    return fmt::format("{} Hz to {} Hz in {} {}", segment.start, segment.stop, segment.pointCount,
+                       segment.pointCount == 1 ? "point" : "points");
 }
 
 std::uint64_t pointCount(const FrequencyPlan& plan)
@@ -22,12 +23,34 @@ std::uint64_t pointCount(const FrequencyPlan& plan)
                            [](std::uint64_t sum, const auto& segment) { return sum + segment.pointCount; });
 }
 
+double lastPoint(const vna::FrequencySegment& segment)
+{
+    return segment.pointCount > 1 ? segment.stop : segment.start;
+}
+
+/// A plan may go down, and a frequency stand in it twice; in calibration data they ascend.
+void expectAscending(const SourceFile& file, const FrequencyPlan& plan)
+{
+    const auto expect = [&](std::size_t i, std::string_view member, double found, double below) {
+        if (found <= below)
+            throw badFile(file, fmt::format("$.segments[{}].{}", i, member), fmt::format("{}", found),
+                          fmt::format("a frequency above the one before it, {}, for an example", below));
+    };
+    for (std::size_t i = 0; i < plan.size(); ++i) {
+        if (i > 0)
+            expect(i, "start", plan[i].start, lastPoint(plan[i - 1]));
+        if (plan[i].pointCount > 1)
+            expect(i, "stop", plan[i].stop, plan[i].start);
+    }
+}
+
 } // namespace
 
 void addPlanOptions(CLI::App& verb, PlanOptions& options)
 {
-    verb.add_option("-o,--output", options.path, "Write it into a plan file instead, for --plan")->type_name("PATH");
-    verb.add_flag("--overwrite", options.overwrite, "Replace a local file that has other contents");
+    auto* const output = verb.add_option("-o,--output", options.path, "Write it into a plan file instead, for --plan");
+    output->type_name("PATH");
+    verb.add_flag("--overwrite", options.overwrite, "Replace a local file that has other contents")->needs(output);
 }
 
 void showPlan(const Output& output, const FrequencyPlan& plan, const PlanOptions& options)
@@ -59,17 +82,19 @@ std::vector<double> examplePoints(const std::optional<std::string>& path)
     if (pointCount(plan) > mostExamplePoints)
         throw badFile(file, "$.segments", fmt::format("{} points", pointCount(plan)),
                       fmt::format("at most {} for an example", mostExamplePoints));
+    expectAscending(file, plan);
     return pointsOf(plan);
 }
 
-void addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
-                    std::function<std::string(std::vector<double>)> text)
+CLI::App& addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
+                         std::function<std::string(std::vector<double>)> text)
 {
     const auto plan = std::make_shared<std::optional<std::string>>();
     auto& verb = line.addVerb(noun, "example", description, [plan, text = std::move(text)](Session& session) {
         showExample(session, text(examplePoints(*plan)));
     });
     verb.add_option("--plan", *plan, "For the points of the plan in this file instead of a few")->type_name("FILE");
+    return verb;
 }
 
 void showExample(Session& session, const std::string& text)

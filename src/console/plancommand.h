@@ -52,13 +52,13 @@ void addPlanVerb(CommandLine& line, CLI::App& noun)
 inline constexpr std::string_view planExample = "system-terms example-plan";
 
 /// The points of the plan in the file at `path`, or else of the plan for examples. Throws `Error`
-/// (`LocalFile`), also when there are too many of them for an example.
+/// (`LocalFile`), also when there are too many of them for an example, or they do not ascend.
 [[nodiscard]] std::vector<double> examplePoints(const std::optional<std::string>& path);
 
 /// Adds `example`, which prints `text(frequencies)`, a valid file: for the points of a plan, if it is
 /// given one. Needs no instrument.
-void addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
-                    std::function<std::string(std::vector<double>)> text);
+CLI::App& addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
+                         std::function<std::string(std::vector<double>)> text);
 
 /// Prints an example.
 void showExample(Session& session, const std::string& text);

@@ -17,8 +17,6 @@ namespace {
 
 using Control = SystemTermsCommand::Control;
 
-constexpr std::size_t examplePorts = 2;
-
 class Observer final : public WriteObserver<Control> {
 public:
     using WriteObserver::WriteObserver;
@@ -130,9 +128,13 @@ void SystemTermsCommand::addTo(CommandLine& line)
     CommandLine::addExamples(
         verb, {"system-terms write terms.json", "system-terms write terms.json --plan plan.json --value 23.5 --yes"});
 
-    addExampleVerb(line, noun, "Print valid error terms of two ports", [](std::vector<double> frequencies) {
-        return termsFileText(exampleTerms(examplePorts, std::move(frequencies)));
+    const auto ports = std::make_shared<std::uint32_t>(2);
+    auto& example = addExampleVerb(line, noun, "Print valid error terms", [ports](std::vector<double> frequencies) {
+        return termsFileText(exampleTerms(*ports, std::move(frequencies)));
     });
+    example.add_option("--ports", *ports, fmt::format("Of how many ports [{}]", *ports))
+        ->type_name("N")
+        ->check(CLI::Range(1U, mostPorts));
     line.addVerb(noun, "example-plan", "Print a valid plan, for --plan",
                  [](Session& session) { showExample(session, planFileText(examplePlan())); });
 }

@@ -17,8 +17,6 @@ using vna::TransmissionTerms;
 
 constexpr std::string_view format = "tarn-system-terms/1";
 
-constexpr std::uint32_t mostPorts = 64; // keeps the number of pairs within reason
-
 template <class Terms>
 using TraceOf = std::pair<std::string_view, std::complex<double> Terms::*>;
 

@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ namespace tarn::console {
 
 /// The contents of a file with `terms`.
 [[nodiscard]] std::string termsFileText(const vna::ErrorTerms& terms);
+
+/// The most ports that a file may have: keeps the number of pairs within reason.
+inline constexpr std::uint32_t mostPorts = 64;
 
 /// Plausible terms of `portCount` ports, different at every place.
 [[nodiscard]] vna::ErrorTerms exampleTerms(std::size_t portCount, std::vector<double> frequencies);

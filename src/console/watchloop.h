@@ -35,9 +35,8 @@ public:
     void show(const std::function<void()>& step);
 
     /// Has `question` put to the instrument, which is held back from dropping its controls meanwhile,
-    /// together with all others that wait: one of them may be what it drops them for. Those that
-    /// find the controls away wait for the next ones. On the
-    /// loop's thread.
+    /// together with all others that wait: one of them may be what it drops them for. Those that find
+    /// the controls away wait for the next ones. On the loop's thread.
     void ask(std::function<void()> question);
 
     /// Shows an event with the moment of this call: `json`, or `text` for people. Threads: any.

@@ -14,6 +14,7 @@ using testing::Not;
 struct WriteCommand {
     const char* noun;
     const char* verb;
+    const char* doing; ///< how its progress begins
     const char* mismatch; ///< how the instrument refuses the wrong frequencies
     const char* holds; ///< the line of its unit once it is written
 };
@@ -23,10 +24,12 @@ void PrintTo(const WriteCommand& value, std::ostream* stream)
     *stream << value.noun;
 }
 
-constexpr WriteCommand systemTerms{"system-terms", "write", "PlanMismatch: the frequencies of the terms",
-                                   "1  System terms                   "};
-constexpr WriteCommand ifsw{"ifsw-calibration", "save", "PlanMismatch: ", "2  IF switches                    "};
-constexpr WriteCommand power{"power-calibration", "save", "PlanMismatch: ", "2  Power                          "};
+constexpr WriteCommand systemTerms{"system-terms", "write", "writing the system terms",
+                                   "PlanMismatch: the frequencies of the terms", "1  System terms                   "};
+constexpr WriteCommand ifsw{"ifsw-calibration", "save", "saving the IF-switch calibration",
+                            "PlanMismatch: ", "2  IF switches                    "};
+constexpr WriteCommand power{"power-calibration", "save", "saving the power calibration",
+                             "PlanMismatch: ", "2  Power                          "};
 
 class CalibrationCommand : public ConsoleTest, public testing::WithParamInterface<WriteCommand> {
 protected:
@@ -63,7 +66,8 @@ TEST_P(CalibrationCommand, WritesAnExampleForThePlanOfTheInstrument)
     const auto outcome = run(write());
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     EXPECT_TRUE(outcome.out.isEmpty());
-    EXPECT_THAT(outcome.err.toStdString(), HasSubstr(": started\n"));
+    const std::string doing = GetParam().doing;
+    EXPECT_THAT(outcome.err.toStdString(), testing::StartsWith(doing + ": started\n" + doing + ": "));
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr(" %\n"));
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr(": written and confirmed by the instrument\n"));
     EXPECT_TRUE(isStored());
@@ -171,7 +175,51 @@ TEST_P(CalibrationCommand, MakesNoExampleOfABadOrEndlessPlan)
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("found 2147483647 points, expected at most 100000"));
 }
 
+TEST_P(CalibrationCommand, MakesNoExampleOfAPlanWhosePointsDoNotAscend)
+{
+    const auto refusalOf = [&](const char* segments) {
+        writeLocal(QStringLiteral("plan"),
+                   QByteArray{R"({"format": "tarn-frequency-plan/1", "segments": [)"} + segments + "]}");
+        const auto outcome = command(QStringLiteral("example --plan plan"));
+        EXPECT_EQ(outcome.exitCode, 9) << segments;
+        EXPECT_TRUE(outcome.out.isEmpty());
+        return outcome.err.toStdString();
+    };
+    EXPECT_THAT(refusalOf(R"({"start": 3, "stop": 1, "points": 3})"),
+                HasSubstr("$.segments[0].stop: found 1, expected a frequency above the one before it, 3, for"));
+    EXPECT_THAT(refusalOf(R"({"start": 3, "stop": 3, "points": 2})"), HasSubstr("$.segments[0].stop: found 3"));
+    EXPECT_THAT(refusalOf(R"({"start": 1, "stop": 3, "points": 3}, {"start": 3, "stop": 4, "points": 2})"),
+                HasSubstr("$.segments[1].start: found 3, expected a frequency above the one before it, 3, for"));
+    writeLocal(
+        QStringLiteral("plan"),
+        R"({"format": "tarn-frequency-plan/1", "segments": [{"start": 2, "stop": 9, "points": 1}, {"start": 3, "stop": 4, "points": 2}]})");
+    EXPECT_EQ(command(QStringLiteral("example --plan plan")).exitCode, 0) << "one point is the start";
+}
+
+TEST_P(CalibrationCommand, TakesOverwriteOnlyWithAFileToOverwrite)
+{
+    EXPECT_EQ(command(QStringLiteral("plan --overwrite")).exitCode, 2);
+}
+
 INSTANTIATE_TEST_SUITE_P(Commands, CalibrationCommand, testing::Values(systemTerms, ifsw, power));
+
+class SystemTermsExampleTest : public ConsoleTest { };
+
+TEST_F(SystemTermsExampleTest, HasAsManyPortsAsTheInstrument)
+{
+    const auto at = [&](const char* rest) { return runAt(QStringLiteral("profile=multiport-lum"), words(rest)); };
+    ASSERT_EQ(at("system-terms plan -o plan").exitCode, 0);
+    writeLocal(QStringLiteral("four"), at("system-terms example --plan plan --ports 4").out);
+    writeLocal(QStringLiteral("two"), at("system-terms example --plan plan").out);
+    EXPECT_EQ(at("system-terms write four --yes").exitCode, 0);
+    EXPECT_THAT(at("system-terms write two --yes").err.toStdString(), HasSubstr("PortCountMismatch: "));
+    for (const auto* const bad : {"0", "65", "-1", "x", "2.5"})
+        EXPECT_EQ(run({QStringLiteral("system-terms"), QStringLiteral("example"), QStringLiteral("--ports"),
+                       QString::fromUtf8(bad)})
+                      .exitCode,
+                  2)
+            << bad;
+}
 
 class CalibrationExample : public ConsoleTest,
                            public testing::WithParamInterface<std::pair<const char*, const char*>> { };
