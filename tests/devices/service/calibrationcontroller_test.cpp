@@ -12,7 +12,6 @@
 
 #include <QCoreApplication>
 #include <QMetaMethod>
-#include <QThread>
 #include <gmock/gmock.h>
 
 #include <any>
@@ -343,28 +342,34 @@ TEST_F(CalibrationWatcher, CanBeDestroyedWhateverThrows)
     }
 }
 
-TEST_F(CalibrationWatcher, EmitsOnTheThreadOfTheSdkAndFollowsTheHandleOnItsOwn)
+TEST_F(CalibrationWatcher, EmitsOnTheThreadOfTheSdk)
+{
+    begin();
+    std::thread::id emittedOn;
+    QObject::connect(
+        &*watcher, &SdkCalibrationControlWatcher::configurationChanged, &*watcher,
+        [&] { emittedOn = std::this_thread::get_id(); }, Qt::DirectConnection);
+    std::thread sdkThread{[&] { attached->onConfigurationChanged(); }};
+    const auto expected = sdkThread.get_id();
+    sdkThread.join();
+    EXPECT_EQ(emittedOn, expected);
+    end();
+}
+
+TEST_F(CalibrationWatcher, FollowsItsHandleOnItsOwnThread)
 {
     int argumentCount = 0;
     const QCoreApplication application{argumentCount, nullptr}; // brings the events to their receivers
     begin();
-    QThread* emittedOn = nullptr;
-    QObject::connect(
-        &*watcher, &SdkCalibrationControlWatcher::configurationChanged, &*watcher,
-        [&] { emittedOn = QThread::currentThread(); }, Qt::DirectConnection);
-    QThread* sdkThread = nullptr;
-    std::thread{[&] {
-        sdkThread = QThread::currentThread();
-        attached->onConfigurationChanged();
-        EXPECT_EQ(emittedOn, sdkThread);
-        handle.onControlsAvailable(); // the mock expects no call on this thread
-    }}.join();
-    EXPECT_NE(sdkThread, QThread::currentThread());
+    std::thread{[&] { handle.onControlsAboutToBeReleased(); }}.join(); // the mock expects no call on this thread
+    expectDetach();
+    QCoreApplication::sendPostedEvents(&*watcher);
+    testing::Mock::VerifyAndClearExpectations(mock.get());
 
-    journal.clear();
+    std::thread{[&] { handle.onControlsAvailable(); }}.join(); // nor on this one
+    EXPECT_THAT(journal, IsEmpty());
     expectAttach();
     QCoreApplication::sendPostedEvents(&*watcher);
-    EXPECT_EQ(emittedOn, QThread::currentThread());
     EXPECT_THAT(journal, ElementsAre("attached", "units", "configuration"));
     end();
 }
