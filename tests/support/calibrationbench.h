@@ -49,13 +49,19 @@ public:
         std::erase(m_observers, observer);
     }
 
-    void notify(unsigned int progress)
+    /// Tells every observer something.
+    void notify(const std::function<void(SdkObserver&)>& tell)
     {
         const std::scoped_lock lock{m_mutex};
         if (m_isDropped)
             return;
         for (auto* const observer : m_observers)
-            observer->onWriteProgressChanged(progress);
+            tell(*observer);
+    }
+
+    void notify(unsigned int progress)
+    {
+        notify([progress](SdkObserver& observer) { observer.onWriteProgressChanged(progress); });
     }
 
     void drop()

@@ -8,11 +8,8 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <functional>
 #include <optional>
-#include <random>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -442,71 +439,6 @@ TEST_F(SdkFactoryCorrectionControlTest, LetsExceptionsOfTheControlPass)
         EXPECT_EQ(thrownBy([&] { control->onControlsAboutToBeReleased(); }), exception);
         EXPECT_EQ(thrownBy([&] { control->removeObserver(&a); }), exception);
     }
-}
-
-/// Any sequence of the four, against what the map promises.
-TEST_F(SdkFactoryCorrectionControlTest, RegistersAsAPlainMapWouldInAnySequence)
-{
-    std::size_t callCount = 0;
-    for (unsigned int seed = 0; seed != 2000; ++seed) {
-        std::mt19937 random{seed};
-        std::vector<Sdk::Observer*> calls;
-        std::set<Listener*> entries;
-        Listener listeners[] = {{"0", journal}, {"1", journal}, {"2", journal}};
-        bool isOffered = false;
-        device.drop(Sdk::key);
-        construct();
-        for (int count = 0; count != 20; ++count) {
-            journal.clear();
-            calls.clear();
-            auto* const listener = &listeners[random() % 3];
-            std::size_t expected = 0;
-            Journal heard;
-            switch (random() % 6) {
-            case 0:
-                control->addObserver(listener);
-                expected = entries.insert(listener).second && isOffered ? 1 : 0;
-                break;
-            case 1:
-                control->removeObserver(listener);
-                expected = isOffered ? entries.erase(listener) : 0;
-                break;
-            case 2:
-                control->onControlsAboutToBeReleased();
-                expected = isOffered ? entries.size() : 0;
-                break;
-            case 3:
-                control->onControlsAvailable();
-                expected = isOffered ? entries.size() : 0;
-                for (auto* const entry : entries) {
-                    if (isOffered) {
-                        heard.push_back(entry->name + " supported");
-                        heard.push_back(entry->name + " valid");
-                    }
-                }
-                break;
-            case 4: {
-                const auto nice = std::make_shared<NiceMock<MockFactoryCorrectionControl>>();
-                ON_CALL(*nice, addObserver).WillByDefault([&](auto* o) { calls.push_back(o); });
-                ON_CALL(*nice, removeObserver).WillByDefault([&](auto* o) { calls.push_back(o); });
-                device.offer<Sdk>(Sdk::key, nice);
-                isOffered = true;
-                break;
-            }
-            default:
-                device.drop(Sdk::key);
-                isOffered = false;
-            }
-            ASSERT_EQ(calls.size(), expected) << "seed " << seed << ", step " << count;
-            std::ranges::sort(journal);
-            std::ranges::sort(heard);
-            ASSERT_EQ(journal, heard) << "seed " << seed << ", step " << count;
-            callCount += calls.size();
-        }
-        control.reset(); // before the listeners
-        device.drop(Sdk::key); // before what its actions refer to
-    }
-    EXPECT_GT(callCount, 2'000U) << "the sequences hardly touched the SDK";
 }
 
 TEST(FactoryCorrectionSlots, StandInTheGivenOrder)
