@@ -5,6 +5,7 @@
 namespace {
 
 std::atomic<int> blocks{0};
+std::atomic<void (*)(std::size_t)> atAllocation{nullptr};
 std::atomic<void (*)()> atFree{nullptr};
 
 bool isLarge(std::size_t size)
@@ -23,8 +24,11 @@ void __wrap__ZdlPvm(void* block, std::size_t size); // NOLINT
 
 void* __wrap__Znwm(std::size_t size) // NOLINT
 {
-    if (isLarge(size))
+    if (isLarge(size)) {
         ++blocks;
+        if (auto* const watch = atAllocation.load())
+            watch(size);
+    }
     return __real__Znwm(size);
 }
 
@@ -41,6 +45,11 @@ namespace tarn::tests {
 int AllocationProbe::largeBlocks()
 {
     return blocks;
+}
+
+void AllocationProbe::watchAllocations(void (*watch)(std::size_t size))
+{
+    atAllocation = watch;
 }
 
 void AllocationProbe::watchFrees(void (*watch)())

@@ -13,6 +13,9 @@ struct AllocationProbe {
     /// How many such blocks have been allocated so far.
     [[nodiscard]] static int largeBlocks();
 
+    /// Calls `watch`, unless it is null, with the size of every such block that is allocated.
+    static void watchAllocations(void (*watch)(std::size_t size));
+
     /// Calls `watch`, unless it is null, whenever the program gives such a block back.
     static void watchFrees(void (*watch)());
 };
