@@ -85,9 +85,9 @@ Flag CorrectionModel::modifiable() const
 
 void CorrectionModel::setEnabled(Flag correction, bool enabled, const std::function<void()>& changed)
 {
+    const utils::MutexLock lock{m_mutex};
     if (!std::has_single_bit(bits(correction)) || (valid() & modifiable() & correction) == None)
         return;
-    const utils::MutexLock lock{m_mutex};
     const auto switched = enabled ? m_enabled | correction : without(m_enabled, correction);
     if (switched == m_enabled)
         return;

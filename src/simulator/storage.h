@@ -53,11 +53,11 @@ public:
 };
 
 /// Keeps nothing.
-class NoStorage final : public Storage {
+class NoStorage : public Storage {
 public:
     [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
     [[nodiscard]] QByteArray block(const QString& digest) const override { refuse(digest); }
-    [[noreturn]] void refuse(const QString& reason) const override { throw StateError{{}, reason}; }
+    [[noreturn]] void refuse(const QString& reason) const final { throw StateError{{}, reason}; }
     std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
     {
         return {};

@@ -167,10 +167,7 @@ TYPED_TEST(CalibrationFaultTest, OfADropEndsTheRegistrations)
 
 TYPED_TEST(CalibrationFaultTest, OfTheStorageIsAnErrorAfterTheProgressAndLeavesWhatIsStored)
 {
-    struct FullStorage final : Storage {
-        [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
-        [[nodiscard]] QByteArray block(const QString& /*digest*/) const override { return {}; }
-        [[noreturn]] void refuse(const QString& reason) const override { throw StateError{{}, reason}; }
+    struct FullStorage final : NoStorage {
         std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
         {
             return Error::Io;

@@ -1,8 +1,15 @@
 #include <simulator/calibrationfixture.h>
 
 #include <sdk/models.h>
+#include <support/observedthread.h>
 
 #include <gmock/gmock.h>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <thread>
+#include <utility>
 
 namespace tarn::simulator {
 namespace {
@@ -174,6 +181,44 @@ TEST_F(FactoryCorrectionTest, IsSupportedAndValidAsTheModelOfTheNextOfferWants)
     EXPECT_EQ(corrections().validCorrections(), delivered | ofPower);
     EXPECT_EQ(corrections().enabledCorrections() & Temperature, None);
     instrument.vna->removeObserver(&lifecycle);
+}
+
+TEST(FactoryCorrectionStorageTest, StaysAsItIsWhenTheWriteBeginsWhileAnotherSwitchIsBeingSaved)
+{
+    struct WatchedStorage final : NoStorage {
+        std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
+        {
+            if (const auto watch = std::exchange(atSave, nullptr))
+                watch();
+            return {};
+        }
+
+        std::function<void()> atSave; ///< called by the next one
+    };
+    auto owned = std::make_unique<WatchedStorage>();
+    auto& storage = *owned;
+    ManualInstrument instrument{{}, std::move(owned)};
+    const auto corrections = instrument.control<Corrections>();
+    Kind<test::Terms>::write(*instrument.control<test::Terms>());
+    instrument.advance(10s);
+
+    std::thread other;
+    storage.atSave = [&] {
+        std::promise<tests::ObservedThread> entered;
+        other = std::thread{[&] {
+            entered.set_value({});
+            corrections->setEnabled(System, true);
+        }};
+        const auto switching = entered.get_future().get();
+        while (!switching.isWaiting()) // for this save
+            std::this_thread::yield();
+        Kind<test::Terms>::write(*instrument.control<test::Terms>());
+        instrument.advance(0ns);
+    };
+    corrections->setEnabled(Crosstalk, false);
+    other.join();
+    EXPECT_EQ(corrections->enabledCorrections() | Crosstalk, delivered);
+    instrument.advance(10s);
 }
 
 TEST(FactoryCorrectionProfileTest, ChangesWhatIsSupportedWhenAVellInstrumentBecomesAnother)
