@@ -71,9 +71,10 @@ void WatchLoop::post(QJsonObject json, std::string text)
 {
     const auto now = QDateTime::currentDateTimeUtc();
     json.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
-    auto line = fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text);
-    m_postbox.post(
-        [this, json = std::move(json), line = std::move(line)] { show([&] { m_output.result(json, line); }); });
+    m_postbox.post([this, now, json = std::move(json), text = std::move(text)] {
+        const auto line = fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text);
+        show([&] { m_output.result(json, line); });
+    });
 }
 
 void WatchLoop::onLifecycleChanged()
