@@ -35,7 +35,8 @@ protected:
 
     void calledWithTable(const std::string& operation, const std::vector<std::uint8_t>& table)
     {
-        bytes = table.data();
+        if (!inside)
+            bytes = table.data();
         called(operation, std::vector<int>(table.begin(), table.end()));
     }
 

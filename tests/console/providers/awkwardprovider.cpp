@@ -61,15 +61,17 @@ public:
     /// reference away with it.
     std::shared_ptr<void> control(sdk::Key key) override
     {
-        const std::scoped_lock lock{m_mutex};
+        std::unique_lock lock{m_mutex};
         const int asked = ++m_asked[key];
         if (m_behaviour == "vanishing" && asked == 2)
             return std::exchange(m_controls[key], nullptr);
         if (m_behaviour == "flickering" && key == awkward::LoLeakage::key && asked > 2 && asked % 2 == 0)
             return nullptr;
         if (m_behaviour == "late" && key == ICalibrationController::firstKey && asked == 1) {
+            lock.unlock();
             m_observers.front()->onControlsAboutToBeReleased();
             m_isLate = true;
+            return nullptr;
         }
         return m_controls[key];
     }
