@@ -18,10 +18,7 @@ public:
         return m_bench->operations.call([] { return true; });
     }
 
-    std::vector<Potentiometer> potentiometers() override
-    {
-        return m_bench->operations.call(&PotentiometerModel::list);
-    }
+    std::vector<Potentiometer> potentiometers() override { return m_bench->operations.call(&PotentiometerModel::list); }
 
     void readFromEeprom(unsigned long index, sdk::Completion<int> completion) override
     {
