@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tarn::console {
 
@@ -48,9 +49,9 @@ std::string sharePart(Unit unit, const Progress& progress, int width)
 
 } // namespace
 
-ProgressDisplay::ProgressDisplay(const Output& output, const OperationName& name)
+ProgressDisplay::ProgressDisplay(const Output& output, OperationName name)
     : m_output{output}
-    , m_name{name}
+    , m_name{std::move(name)}
     , m_style{output.progressStyle()}
 {
     m_sinceStart.start();

@@ -32,7 +32,7 @@ public:
     using Progress = devices::service::Progress;
 
     /// Shows the start. `output` must outlive the display.
-    ProgressDisplay(const Output& output, const OperationName& name);
+    ProgressDisplay(const Output& output, OperationName name);
     ProgressDisplay(const ProgressDisplay&) = delete;
     ProgressDisplay& operator=(const ProgressDisplay&) = delete;
 
