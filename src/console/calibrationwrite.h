@@ -105,7 +105,8 @@ void writeCalibration(const Change& change, const Instrument& instrument, const 
                                [&](LongRequest::Progress progress) { longRequest.onProgress(progress); }};
         Observer observer{write};
         std::optional<Registration<Control, typename Control::Observer>> registration;
-        instrument.undisturbed([&] { registration.emplace(*control, observer); }); // a return would miss it
+        // Added in the moment of a return, it would hear nothing until the next one.
+        instrument.undisturbed([&] { registration.emplace(*control, observer); });
         whileThere<Control>(instrument, Control::registryKey, change.target, [&](Control& there) {
             write.requested();
             try {
