@@ -8,11 +8,18 @@
 #include <devices/service/isystemtermscontrol.h>
 #include <devices/service/iusbidcontrol.h>
 #include <devices/service/sdkcalibrationcontrolhandle.h>
+#include <devices/service/sdkdornpowercontrol.h>
+#include <devices/service/sdkdornsynthesiscontrol.h>
 #include <devices/service/sdkfactorycorrectioncontrol.h>
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkquillpowercontrol.h>
+#include <devices/service/sdkquillsynthesiscontrol.h>
+#include <devices/service/sdksablepowercontrol.h>
+#include <devices/service/sdksablesynthesiscontrol.h>
 #include <devices/service/sdktemperaturecontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 #include <sdk/ifactorycorrectioncontrol.h>
 #include <sdk/itemperaturecontrol.h>
 #include <sdk/key.h>
@@ -166,7 +173,12 @@ struct SecondCalibrationsCommand
 /// A list of them.
 template <class... Commands>
 struct ControlCommands {
-    using Types = devices::ControlTypes<typename Commands::Control...>;
+    /// The types of their controls, and those of the controls that have no commands.
+    using Types
+        = devices::ControlTypes<typename Commands::Control..., devices::service::SdkQuillPowerControl,
+                                devices::service::SdkQuillSynthesisControl, devices::service::SdkDornPowerControl,
+                                devices::service::SdkDornSynthesisControl, devices::service::SdkSablePowerControl,
+                                devices::service::SdkSableSynthesisControl, devices::service::SdkVellSynthesisControl>;
 };
 
 /// All of them, in the order of the registry.

@@ -3,17 +3,24 @@
 #include <devices/controlregistry.h>
 #include <devices/makecreatefunction.h>
 #include <devices/service/sdkcalibrationcontrolhandle.h>
+#include <devices/service/sdkdornpowercontrol.h>
+#include <devices/service/sdkdornsynthesiscontrol.h>
 #include <devices/service/sdkfactorycorrectioncontrol.h>
 #include <devices/service/sdkfilememorycontrol.h>
 #include <devices/service/sdkloleakagecontrol.h>
 #include <devices/service/sdkmemoryoperationscontrol.h>
 #include <devices/service/sdkpotentiometerscontrol.h>
+#include <devices/service/sdkquillpowercontrol.h>
+#include <devices/service/sdkquillsynthesiscontrol.h>
+#include <devices/service/sdksablepowercontrol.h>
+#include <devices/service/sdksablesynthesiscontrol.h>
 #include <devices/service/sdkserialnumbercontrol.h>
 #include <devices/service/sdksystemtermscontrol.h>
 #include <devices/service/sdktemperaturecontrol.h>
 #include <devices/service/sdkusbidcontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 #include <sdk/ivna.h>
 
 #include <any>
@@ -61,7 +68,14 @@ constexpr Row rows[] = {
     row<0xec20f733872b6ac0, 0x8bba7f494ad7c259, sdk::service::IMemoryUsbIdControl, IUsbIdControl, SdkMemoryUsbId>(),
     row<0x2e23977c2578988d, 0x5c028b97cc332087, sdk::service::IMemorySerialNumberControl, ISerialNumberControl, SdkSerialNumberControl>(),
     row<0x5664961726404671, 0x5d412bfd18b02258, sdk::service::IMemoryOperationsControl, IMemoryOperationsControl, SdkMemoryOperationsControl>(),
+    row<0xb6c338d276ce98fb, 0x7922b1012a0983af, sdk::service::IQuillSynthesisControl, SdkQuillSynthesisControl, SdkQuillSynthesisControl>(),
+    row<0x897c141e29e7e690, 0x3c96bf415fccae8a, sdk::service::IQuillPowerControl, SdkQuillPowerControl, SdkQuillPowerControl>(),
+    row<0x2b979d4013cdeecd, 0x71db0e7ec9bf38c7, sdk::service::ISableSynthesisControl, SdkSableSynthesisControl, SdkSableSynthesisControl>(),
+    row<0xdbaebee9402174ae, 0x2601fd095cf599f2, sdk::service::ISablePowerModuleControl, SdkSablePowerControl, SdkSablePowerControl>(),
     row<0x39ce7f28fb8c58bd, 0x33f09cc532b7707a, sdk::service::ILoLeakageControl, SdkLoLeakageControl, SdkLoLeakageControl>(),
+    row<0xeaf356a0b2ef79a5, 0x2f10ddd457c35149, sdk::service::IDORNPowerControl, SdkDornPowerControl, SdkDornPowerControl>(),
+    row<0x374b2cb5ef097bee, 0x53c0e0ba0de251e0, sdk::service::IDORNSynthesisControl, SdkDornSynthesisControl, SdkDornSynthesisControl>(),
+    row<0xa045ab34ea41df44, 0xf636764463dee854, sdk::service::IVellSynthesisControl, SdkVellSynthesisControl, SdkVellSynthesisControl>(),
     row<0x10b13a8fe293bf50, 0x1e7084d947290478, sdk::service::ISystemTermsControl, ISystemTermsControl, SdkSystemTermsControl>(),
     row<0x2ab54beb7022049e, 0xa8c748bb3b2c656f, sdk::service::IVellIfswCalibrationControl, SdkVellIfswCalibrationControl, SdkVellIfswCalibrationControl>(),
     row<0xa95918a8462c534c, 0x4797d9e37c985d85, sdk::service::IVellFactoryPowerCalibrationControl, SdkVellFactoryPowerCalibrationControl, SdkVellFactoryPowerCalibrationControl>(),

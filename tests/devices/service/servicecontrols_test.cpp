@@ -10,11 +10,18 @@
 #include <devices/service/isystemtermscontrol.h>
 #include <devices/service/iusbidcontrol.h>
 #include <devices/service/sdkcalibrationcontrolhandle.h>
+#include <devices/service/sdkdornpowercontrol.h>
+#include <devices/service/sdkdornsynthesiscontrol.h>
 #include <devices/service/sdkfactorycorrectioncontrol.h>
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkquillpowercontrol.h>
+#include <devices/service/sdkquillsynthesiscontrol.h>
+#include <devices/service/sdksablepowercontrol.h>
+#include <devices/service/sdksablesynthesiscontrol.h>
 #include <devices/service/sdktemperaturecontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 
 #include <support/fakevna.h>
 #include <support/mockcalibrationcontroller.h>
@@ -29,6 +36,10 @@
 #include <support/mocktemperaturecontrol.h>
 #include <support/mockvellfactorypowercalibrationcontrol.h>
 #include <support/mockvellifswcalibrationcontrol.h>
+#include <support/recordeddorncontrols.h>
+#include <support/recordedquillcontrols.h>
+#include <support/recordedsablecontrols.h>
+#include <support/recordedvellcontrols.h>
 
 #include <QFile>
 #include <QLibrary>
@@ -54,11 +65,18 @@ using tarn::devices::service::ISerialNumberControl;
 using tarn::devices::service::ISystemTermsControl;
 using tarn::devices::service::IUsbIdControl;
 using tarn::devices::service::SdkCalibrationControlHandle;
+using tarn::devices::service::SdkDornPowerControl;
+using tarn::devices::service::SdkDornSynthesisControl;
 using tarn::devices::service::SdkFactoryCorrectionControl;
 using tarn::devices::service::SdkLoLeakageControl;
+using tarn::devices::service::SdkQuillPowerControl;
+using tarn::devices::service::SdkQuillSynthesisControl;
+using tarn::devices::service::SdkSablePowerControl;
+using tarn::devices::service::SdkSableSynthesisControl;
 using tarn::devices::service::SdkTemperatureControl;
 using tarn::devices::service::SdkVellFactoryPowerCalibrationControl;
 using tarn::devices::service::SdkVellIfswCalibrationControl;
+using tarn::devices::service::SdkVellSynthesisControl;
 using testing::NiceMock;
 
 namespace tarn::tests {
@@ -72,25 +90,35 @@ struct Row {
 constexpr Row table[] = {
     {0xe85f16739b17b339, 0xf667df356df31ce4}, {0xc51b6fb2ae2584d2, 0x88798a0ea0bfe22b},
     {0xec20f733872b6ac0, 0x8bba7f494ad7c259}, {0x2e23977c2578988d, 0x5c028b97cc332087},
-    {0x5664961726404671, 0x5d412bfd18b02258}, {0x39ce7f28fb8c58bd, 0x33f09cc532b7707a},
-    {0x10b13a8fe293bf50, 0x1e7084d947290478}, {0x2ab54beb7022049e, 0xa8c748bb3b2c656f},
-    {0xa95918a8462c534c, 0x4797d9e37c985d85}, {0x1a94c41b6c234d42, 0xc425cf06760ca2b4},
-    {0xeba4ba7306e6b9a2, 0xddcecfebdb4f5570}, {0x6dd4c2f3a3d1aaab, 0x94a0057f903adbec},
-    {0x0b8ee0a3ce2543ab, 0x41a4a601b7307494},
+    {0x5664961726404671, 0x5d412bfd18b02258}, {0xb6c338d276ce98fb, 0x7922b1012a0983af},
+    {0x897c141e29e7e690, 0x3c96bf415fccae8a}, {0x2b979d4013cdeecd, 0x71db0e7ec9bf38c7},
+    {0xdbaebee9402174ae, 0x2601fd095cf599f2}, {0x39ce7f28fb8c58bd, 0x33f09cc532b7707a},
+    {0xeaf356a0b2ef79a5, 0x2f10ddd457c35149}, {0x374b2cb5ef097bee, 0x53c0e0ba0de251e0},
+    {0xa045ab34ea41df44, 0xf636764463dee854}, {0x10b13a8fe293bf50, 0x1e7084d947290478},
+    {0x2ab54beb7022049e, 0xa8c748bb3b2c656f}, {0xa95918a8462c534c, 0x4797d9e37c985d85},
+    {0x1a94c41b6c234d42, 0xc425cf06760ca2b4}, {0xeba4ba7306e6b9a2, 0xddcecfebdb4f5570},
+    {0x6dd4c2f3a3d1aaab, 0x94a0057f903adbec}, {0x0b8ee0a3ce2543ab, 0x41a4a601b7307494},
 };
 constexpr const Row& fileMemory = table[0];
 constexpr const Row& potentiometers = table[1];
 constexpr const Row& usbId = table[2];
 constexpr const Row& serialNumber = table[3];
 constexpr const Row& memoryOperations = table[4];
-constexpr const Row& loLeakage = table[5];
-constexpr const Row& systemTerms = table[6];
-constexpr const Row& ifswCalibration = table[7];
-constexpr const Row& powerCalibration = table[8];
-constexpr const Row& factoryCorrection = table[9];
-constexpr const Row& temperature = table[10];
-constexpr const Row& firstController = table[11];
-constexpr const Row& secondController = table[12];
+constexpr const Row& quillSynthesis = table[5];
+constexpr const Row& quillPower = table[6];
+constexpr const Row& sableSynthesis = table[7];
+constexpr const Row& sablePower = table[8];
+constexpr const Row& loLeakage = table[9];
+constexpr const Row& dornPower = table[10];
+constexpr const Row& dornSynthesis = table[11];
+constexpr const Row& vellSynthesis = table[12];
+constexpr const Row& systemTerms = table[13];
+constexpr const Row& ifswCalibration = table[14];
+constexpr const Row& powerCalibration = table[15];
+constexpr const Row& factoryCorrection = table[16];
+constexpr const Row& temperature = table[17];
+constexpr const Row& firstController = table[18];
+constexpr const Row& secondController = table[19];
 
 const QString libraryFile = QStringLiteral(TARN_DEVICES_SERVICE_FILE);
 
@@ -116,6 +144,14 @@ protected:
         return registry.find(row.registryKey)->create(static_cast<sdk::IVna*>(device.get()));
     }
 
+    /// Whether the entry of `row` makes a control of exactly this public type.
+    template <class PublicType>
+    bool gives(const Row& row)
+    {
+        const auto control = create(row);
+        return std::any_cast<std::shared_ptr<PublicType>>(&control) != nullptr;
+    }
+
     void offerEverything()
     {
         device->offer<sdk::service::IFileMemoryControl>(sdk::Key{fileMemory.sdkKey}, files);
@@ -124,6 +160,13 @@ protected:
         device->offer<sdk::service::IMemorySerialNumberControl>(sdk::Key{serialNumber.sdkKey}, number);
         device->offer<sdk::service::IMemoryOperationsControl>(sdk::Key{memoryOperations.sdkKey}, memory);
         device->offer<sdk::service::ILoLeakageControl>(sdk::Key{loLeakage.sdkKey}, leakage);
+        device->offer<sdk::service::IQuillSynthesisControl>(sdk::Key{quillSynthesis.sdkKey}, quillSynthesisSdk);
+        device->offer<sdk::service::IQuillPowerControl>(sdk::Key{quillPower.sdkKey}, quillPowerSdk);
+        device->offer<sdk::service::ISableSynthesisControl>(sdk::Key{sableSynthesis.sdkKey}, sableSynthesisSdk);
+        device->offer<sdk::service::ISablePowerModuleControl>(sdk::Key{sablePower.sdkKey}, sablePowerSdk);
+        device->offer<sdk::service::IDORNPowerControl>(sdk::Key{dornPower.sdkKey}, dornPowerSdk);
+        device->offer<sdk::service::IDORNSynthesisControl>(sdk::Key{dornSynthesis.sdkKey}, dornSynthesisSdk);
+        device->offer<sdk::service::IVellSynthesisControl>(sdk::Key{vellSynthesis.sdkKey}, vellSynthesisSdk);
         device->offer<sdk::service::ISystemTermsControl>(sdk::Key{systemTerms.sdkKey}, terms);
         device->offer<sdk::service::IVellIfswCalibrationControl>(sdk::Key{ifswCalibration.sdkKey}, ifsw);
         device->offer<sdk::service::IVellFactoryPowerCalibrationControl>(sdk::Key{powerCalibration.sdkKey}, power);
@@ -142,6 +185,16 @@ protected:
     std::shared_ptr<NiceMock<MockMemoryOperationsControl>> memory
         = std::make_shared<NiceMock<MockMemoryOperationsControl>>();
     std::shared_ptr<NiceMock<MockLoLeakageControl>> leakage = std::make_shared<NiceMock<MockLoLeakageControl>>();
+    std::shared_ptr<RecordedQuillSynthesisControl> quillSynthesisSdk
+        = std::make_shared<RecordedQuillSynthesisControl>();
+    std::shared_ptr<RecordedQuillPowerControl> quillPowerSdk = std::make_shared<RecordedQuillPowerControl>();
+    std::shared_ptr<RecordedSableSynthesisControl> sableSynthesisSdk
+        = std::make_shared<RecordedSableSynthesisControl>();
+    std::shared_ptr<RecordedSablePowerModuleControl> sablePowerSdk
+        = std::make_shared<RecordedSablePowerModuleControl>();
+    std::shared_ptr<RecordedDORNPowerControl> dornPowerSdk = std::make_shared<RecordedDORNPowerControl>();
+    std::shared_ptr<RecordedDORNSynthesisControl> dornSynthesisSdk = std::make_shared<RecordedDORNSynthesisControl>();
+    std::shared_ptr<RecordedVellSynthesisControl> vellSynthesisSdk = std::make_shared<RecordedVellSynthesisControl>();
     std::shared_ptr<NiceMock<MockSystemTermsControl>> terms = std::make_shared<NiceMock<MockSystemTermsControl>>();
     std::shared_ptr<NiceMock<MockVellIfswCalibrationControl>> ifsw
         = std::make_shared<NiceMock<MockVellIfswCalibrationControl>>();
@@ -258,8 +311,30 @@ TEST_F(LoadedLibrary, GivesMemoryOperationsThatTheHostCanNotify)
 TEST_F(LoadedLibrary, GivesAnLoLeakageControl)
 {
     offerEverything();
-    const auto result = create(loLeakage);
-    ASSERT_NE(std::any_cast<std::shared_ptr<SdkLoLeakageControl>>(&result), nullptr);
+    EXPECT_TRUE(gives<SdkLoLeakageControl>(loLeakage));
+}
+
+TEST_F(LoadedLibrary, GivesTuningControls)
+{
+    offerEverything();
+    EXPECT_TRUE(gives<SdkQuillSynthesisControl>(quillSynthesis));
+    EXPECT_TRUE(gives<SdkQuillPowerControl>(quillPower));
+    EXPECT_TRUE(gives<SdkSableSynthesisControl>(sableSynthesis));
+    EXPECT_TRUE(gives<SdkSablePowerControl>(sablePower));
+    EXPECT_TRUE(gives<SdkDornPowerControl>(dornPower));
+    EXPECT_TRUE(gives<SdkDornSynthesisControl>(dornSynthesis));
+    EXPECT_TRUE(gives<SdkVellSynthesisControl>(vellSynthesis));
+}
+
+TEST_F(LoadedLibrary, GivesAQuillPowerControlThatTheHostCanListenTo)
+{
+    offerEverything();
+    const auto control = std::any_cast<std::shared_ptr<SdkQuillPowerControl>>(create(quillPower));
+    const QObject* const object = control.get();
+    EXPECT_STREQ(object->metaObject()->className(), "tarn::devices::service::SdkQuillPowerControl");
+    EXPECT_NE(object->metaObject()->indexOfSignal("rfPowerChanged()"), -1);
+    EXPECT_EQ(object->parent(), nullptr);
+    EXPECT_EQ(dynamic_cast<const IControlLifecycleObserver*>(object), nullptr);
 }
 
 TEST_F(LoadedLibrary, GivesATemperatureControlThatTheHostCanNotify)
@@ -346,7 +421,9 @@ TEST_F(LoadedLibrary, ServesTheHostsOwnerOfAnInstrumentsControls)
     const InstrumentControls controls{
         device, registry,
         ControlTypes<IFileMemoryControl, IPotentiometersControl, IUsbIdControl, ISerialNumberControl,
-                     IMemoryOperationsControl, SdkLoLeakageControl, ISystemTermsControl, SdkVellIfswCalibrationControl,
+                     IMemoryOperationsControl, SdkQuillSynthesisControl, SdkQuillPowerControl, SdkSableSynthesisControl,
+                     SdkSablePowerControl, SdkLoLeakageControl, SdkDornPowerControl, SdkDornSynthesisControl,
+                     SdkVellSynthesisControl, ISystemTermsControl, SdkVellIfswCalibrationControl,
                      SdkVellFactoryPowerCalibrationControl, SdkFactoryCorrectionControl, SdkTemperatureControl,
                      SdkCalibrationControlHandle>{}};
     EXPECT_NE(controls.control<IFileMemoryControl>(), nullptr);
@@ -354,7 +431,14 @@ TEST_F(LoadedLibrary, ServesTheHostsOwnerOfAnInstrumentsControls)
     EXPECT_NE(controls.control<IUsbIdControl>(), nullptr);
     EXPECT_NE(controls.control<ISerialNumberControl>(), nullptr);
     EXPECT_NE(controls.control<IMemoryOperationsControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkQuillSynthesisControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkQuillPowerControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkSableSynthesisControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkSablePowerControl>(), nullptr);
     EXPECT_NE(controls.control<SdkLoLeakageControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkDornPowerControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkDornSynthesisControl>(), nullptr);
+    EXPECT_NE(controls.control<SdkVellSynthesisControl>(), nullptr);
     EXPECT_NE(controls.control<ISystemTermsControl>(), nullptr);
     EXPECT_NE(controls.control<SdkVellIfswCalibrationControl>(), nullptr);
     EXPECT_NE(controls.control<SdkVellFactoryPowerCalibrationControl>(), nullptr);
@@ -379,9 +463,9 @@ TEST_F(LoadedLibrary, LeavesTheRowsBeforeARefusedOneRegistered)
     ControlRegistry taken;
     taken.addEntry({loLeakage.registryKey, nullptr});
     EXPECT_THROW(registrate()(&taken), std::invalid_argument);
-    ASSERT_EQ(taken.entries().size(), 6U);
+    ASSERT_EQ(taken.entries().size(), 10U);
     EXPECT_EQ(taken.entries()[1].key, fileMemory.registryKey);
-    EXPECT_EQ(taken.entries()[5].key, memoryOperations.registryKey);
+    EXPECT_EQ(taken.entries()[9].key, sablePower.registryKey);
 }
 
 TEST(LibraryFile, HoldsTheTwoKeysOfEachRowAsOneRecord)
