@@ -1,13 +1,17 @@
 #pragma once
 
+#include <console/completion.h>
 #include <console/session.h>
 
 #include <CLI/CLI.hpp>
 
 #include <functional>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace tarn::console {
 
@@ -30,6 +34,18 @@ public:
     /// Ends the help of `command` with examples, each without the program's name.
     static void addExamples(CLI::App& command, std::initializer_list<std::string_view> examples);
 
+    /// Proposes `candidates` for the arguments of `command` while it is being typed.
+    void addCandidates(const CLI::App& command, Candidates candidates)
+    {
+        m_completion.add(command, std::move(candidates));
+    }
+
+    /// What the last of `words` may become; see `Completion`.
+    [[nodiscard]] std::vector<std::string> propose(std::span<const std::string> words) const
+    {
+        return m_completion.propose(m_app, words);
+    }
+
     /// What a command line asks for. Throws `Error` (`Usage`).
     void parse(int argc, const char* const* argv);
 
@@ -49,6 +65,7 @@ private:
     [[nodiscard]] bool isOfGlobalOption(const CLI::ParseError& error) const;
 
     CLI::App m_app;
+    Completion m_completion;
     GlobalOptions m_options;
     Run m_run;
 };

@@ -1,6 +1,7 @@
 #include <console/console.h>
 
 #include <console/commandline.h>
+#include <console/completioncommand.h>
 #include <console/controlscommand.h>
 #include <console/controltable.h>
 #include <console/interruptguard.h>
@@ -21,6 +22,7 @@ void addCommands(CommandLine& line)
     for (const auto& row : controlRows())
         row.addTo(line);
     TourCommand::addTo(line);
+    CompletionCommand::addTo(line);
 }
 
 /// Runs `step` and reports what it throws; the exit code.
