@@ -70,10 +70,10 @@ constexpr std::array table{
     Row{sdk::service::ISystemTermsControl::key, installSystemTerms, all},
     Row{sdk::service::IVellIfswCalibrationControl::key, installIfswCalibration, {Vell}},
     Row{sdk::service::IVellFactoryPowerCalibrationControl::key, installPowerCalibration, {Vell}},
-    Row{ICalibrationController::firstKey, installSystemCalibrations, all},
-    Row{ICalibrationController::secondKey, installFactoryCalibrations, {Vell}},
     Row{sdk::IFactoryCorrectionControl::key, installFactoryCorrections, all},
     Row{sdk::ITemperatureControl::key, installTemperature, all},
+    Row{ICalibrationController::firstKey, installSystemCalibrations, all},
+    Row{ICalibrationController::secondKey, installFactoryCalibrations, {Vell}},
 };
 
 } // namespace
