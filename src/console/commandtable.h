@@ -24,15 +24,22 @@
 #include <sdk/itemperaturecontrol.h>
 #include <sdk/key.h>
 #include <sdk/service/calibrations/icalibrationcontroller.h>
+#include <sdk/service/idornpowercontrol.h>
+#include <sdk/service/idornsynthesiscontrol.h>
 #include <sdk/service/ifilememorycontrol.h>
 #include <sdk/service/iloleakagecontrol.h>
 #include <sdk/service/imemoryoperationscontrol.h>
 #include <sdk/service/imemoryserialnumbercontrol.h>
 #include <sdk/service/imemoryusbidcontrol.h>
 #include <sdk/service/ipotentiometerscontrol.h>
+#include <sdk/service/iquillpowercontrol.h>
+#include <sdk/service/iquillsynthesiscontrol.h>
+#include <sdk/service/isablepowermodulecontrol.h>
+#include <sdk/service/isablesynthesiscontrol.h>
 #include <sdk/service/isystemtermscontrol.h>
 #include <sdk/service/ivellfactorypowercalibrationcontrol.h>
 #include <sdk/service/ivellifswcalibrationcontrol.h>
+#include <sdk/service/ivellsynthesiscontrol.h>
 
 #include <cstdint>
 #include <string_view>
@@ -96,11 +103,72 @@ struct MemoryCommand : CommandOf<devices::service::IMemoryOperationsControl, sdk
     static void tour(Tour& tour);
 };
 
+/// `quill-synthesis show|get|set|reset`.
+struct QuillSynthesisCommand
+    : CommandOf<devices::service::SdkQuillSynthesisControl, sdk::service::IQuillSynthesisControl> {
+    static constexpr std::string_view name = "quill-synthesis";
+    static constexpr std::string_view purpose = "Selects reference and intermediate frequency of a Quill module.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `quill-power show|get|set|load|reset|watch`.
+struct QuillPowerCommand : CommandOf<devices::service::SdkQuillPowerControl, sdk::service::IQuillPowerControl> {
+    static constexpr std::string_view name = "quill-power";
+    static constexpr std::string_view purpose = "Sets power codes, attenuators and amplifiers of a Quill module.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `sable-synthesis show|get|set`.
+struct SableSynthesisCommand
+    : CommandOf<devices::service::SdkSableSynthesisControl, sdk::service::ISableSynthesisControl> {
+    static constexpr std::string_view name = "sable-synthesis";
+    static constexpr std::string_view purpose
+        = "Sets power codes, filters, capacitors and delay of a Sable synthesizer.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `sable-power show|get|set|load`.
+struct SablePowerCommand : CommandOf<devices::service::SdkSablePowerControl, sdk::service::ISablePowerModuleControl> {
+    static constexpr std::string_view name = "sable-power";
+    static constexpr std::string_view purpose = "Sets DACs, attenuators and the DDS correction of a Sable device.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
 /// `lo-leakage show|on|off`.
 struct LoLeakageCommand : CommandOf<devices::service::SdkLoLeakageControl, sdk::service::ILoLeakageControl> {
     static constexpr std::string_view name = "lo-leakage";
     static constexpr std::string_view purpose
         = "Lets the local oscillator reach the test ports, to measure how much of it leaks.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `dorn-power show|get|set|load`.
+struct DornPowerCommand : CommandOf<devices::service::SdkDornPowerControl, sdk::service::IDORNPowerControl> {
+    static constexpr std::string_view name = "dorn-power";
+    static constexpr std::string_view purpose = "Sets power codes, DACs and receiver gains of a Dorn device.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `dorn-synthesis show|get|set`.
+struct DornSynthesisCommand
+    : CommandOf<devices::service::SdkDornSynthesisControl, sdk::service::IDORNSynthesisControl> {
+    static constexpr std::string_view name = "dorn-synthesis";
+    static constexpr std::string_view purpose = "Selects the reference frequency of a Dorn device.";
+    static void addTo(CommandLine& line);
+    static void tour(Tour& tour);
+};
+
+/// `vell-synthesis show|get|set`.
+struct VellSynthesisCommand
+    : CommandOf<devices::service::SdkVellSynthesisControl, sdk::service::IVellSynthesisControl> {
+    static constexpr std::string_view name = "vell-synthesis";
+    static constexpr std::string_view purpose = "Selects the intermediate frequency of a Vell device.";
     static void addTo(CommandLine& line);
     static void tour(Tour& tour);
 };
@@ -173,17 +241,14 @@ struct SecondCalibrationsCommand
 /// A list of them.
 template <class... Commands>
 struct ControlCommands {
-    /// The types of their controls, and those of the controls that have no commands.
-    using Types
-        = devices::ControlTypes<typename Commands::Control..., devices::service::SdkQuillPowerControl,
-                                devices::service::SdkQuillSynthesisControl, devices::service::SdkDornPowerControl,
-                                devices::service::SdkDornSynthesisControl, devices::service::SdkSablePowerControl,
-                                devices::service::SdkSableSynthesisControl, devices::service::SdkVellSynthesisControl>;
+    using Types = devices::ControlTypes<typename Commands::Control...>; ///< those of their controls
 };
 
 /// All of them, in the order of the registry.
 using AllControls
-    = ControlCommands<FilesCommand, PotentiometersCommand, UsbCommand, SerialCommand, MemoryCommand, LoLeakageCommand,
+    = ControlCommands<FilesCommand, PotentiometersCommand, UsbCommand, SerialCommand, MemoryCommand,
+                      QuillSynthesisCommand, QuillPowerCommand, SableSynthesisCommand, SablePowerCommand,
+                      LoLeakageCommand, DornPowerCommand, DornSynthesisCommand, VellSynthesisCommand,
                       SystemTermsCommand, IfswCalibrationCommand, PowerCalibrationCommand, CorrectionsCommand,
                       TemperatureCommand, FirstCalibrationsCommand, SecondCalibrationsCommand>;
 
