@@ -45,8 +45,9 @@ void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
     const auto words = std::make_shared<std::vector<std::string>>();
     auto& set = line.addVerb(noun, "set", "Change settings, read them back and compare",
                              [&tuning, words](Session& session) { tuningverbs::set(session, tuning, *words); });
-    set.add_option("NAME-and-VALUE", *words,
-                   "The setting and its value: a name, a number, or a number with its unit; then more of them")
+    set.add_option_function<std::vector<std::string>>(
+           "NAME-and-VALUE", [words](const std::vector<std::string>& given) { *words = given; },
+           "The setting and its value: a name, a number, or a number with its unit; then more of them")
         ->required();
     addExample(set, tuning, fmt::format("set {}", tuning.example));
     auto changeable = tuning.described();

@@ -104,7 +104,7 @@ void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, cons
 
 void addIntervalOption(CLI::App& command, std::chrono::microseconds& interval, const std::string& description)
 {
-    constexpr std::chrono::days longest{1}; // Qt's timers end after 24 days
+    static constexpr std::chrono::days longest{1}; // Qt's timers end after 24 days
     command
         .add_option_function<std::string>(
             "--interval",
