@@ -79,6 +79,11 @@ const Calibrations& SimulatedVna::calibrations() const
     return m_bench->calibrations;
 }
 
+const ModuleTables& SimulatedVna::tables() const
+{
+    return m_bench->tables;
+}
+
 void SimulatedVna::waitUntilIdle()
 {
     m_bench->executor.waitUntilIdle();

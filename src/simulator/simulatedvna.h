@@ -16,6 +16,7 @@
 namespace tarn::simulator {
 
 class Calibrations;
+class ModuleTables;
 class Storage;
 struct Bench;
 struct InstalledControl;
@@ -65,6 +66,9 @@ public:
 
     /// What is stored as calibration data, for tests to look at: the contract has no way to read it.
     [[nodiscard]] const Calibrations& calibrations() const;
+
+    /// The tables that the modules were given, for tests to look at: the contract has no way to read them.
+    [[nodiscard]] const ModuleTables& tables() const;
 
     /// Waits until the instrument's thread has nothing to do before the clock goes on. Not on that
     /// thread.

@@ -1,11 +1,10 @@
 #include <simulator/temperature.h>
 
 #include <sdk/itemperaturecontrol.h>
+#include <simulator/handedout.h>
 #include <simulator/observers.h>
 #include <utils/mutex.h>
 
-#include <thread>
-#include <unordered_map>
 #include <utility>
 
 namespace tarn::simulator {
@@ -75,11 +74,8 @@ public:
 
     const ModuleTemperatures& moduleTemperatures() override
     {
-        return m_bench->operations.call([this]() -> const ModuleTemperatures& {
-            auto modules = m_thermometers->last().modules;
-            const utils::MutexLock lock{m_mutex};
-            return m_handedOut[std::this_thread::get_id()] = std::move(modules);
-        });
+        return m_bench->operations.call(
+            [this]() -> const ModuleTemperatures& { return m_handedOut.give(m_thermometers->last().modules); });
     }
 
     void addObserver(Observer* observer) override { m_thermometers->observers().add(observer); }
@@ -88,9 +84,7 @@ public:
 private:
     const std::shared_ptr<Bench> m_bench;
     const std::shared_ptr<Thermometers> m_thermometers;
-    utils::Mutex m_mutex;
-    /// What each thread was given last; stays in place while other threads ask.
-    std::unordered_map<std::thread::id, ModuleTemperatures> m_handedOut TARN_GUARDED_BY(m_mutex);
+    HandedOut<ModuleTemperatures> m_handedOut;
 };
 
 } // namespace

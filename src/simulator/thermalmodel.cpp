@@ -34,7 +34,7 @@ ThermalModel::ThermalModel(std::uint64_t seed, Duration switchedOn)
     , m_modules{
           {.name = loModule, .steadyRise = 12.0, .timeConstant = 180.0, .phase = 0.0},
           {.name = "Power supply", .steadyRise = 18.0, .timeConstant = 600.0, .phase = 0.0},
-          {.name = "RF source", .steadyRise = 15.0, .timeConstant = 240.0, .phase = 0.0},
+          {.name = rfModule, .steadyRise = 15.0, .timeConstant = 240.0, .phase = 0.0},
           {.name = "Receivers", .steadyRise = 9.0, .timeConstant = 420.0, .phase = 0.0},
           {.name = "Reference", .steadyRise = 6.0, .timeConstant = 300.0, .phase = 0.0},
       }
@@ -45,12 +45,12 @@ ThermalModel::ThermalModel(std::uint64_t seed, Duration switchedOn)
         module.phase = fullTurn * uniform(random);
 }
 
-void ThermalModel::setExtraRise(std::string_view module, double rise, Duration time)
+void ThermalModel::setExtraRise(std::string_view module, const std::string& cause, double rise, Duration time)
 {
     const utils::MutexLock lock{m_mutex};
     advance(time);
     if (const auto found = std::ranges::find(m_modules, module, &Module::name); found != m_modules.end())
-        found->extraRise = rise;
+        found->extraRises[cause] = rise;
 }
 
 ThermalModel::Measurement ThermalModel::measure(Duration time)
@@ -75,7 +75,9 @@ void ThermalModel::advance(Duration time)
     const double elapsed = std::max(0.0, seconds(time - m_time));
     m_time = std::max(m_time, time);
     for (auto& module : m_modules) {
-        const double target = module.steadyRise + module.extraRise;
+        double target = module.steadyRise;
+        for (const auto& [cause, rise] : module.extraRises)
+            target += rise;
         module.heating = target + (module.heating - target) * std::exp(-elapsed / module.timeConstant);
     }
 }

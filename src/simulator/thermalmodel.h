@@ -40,6 +40,7 @@ namespace tarn::simulator {
 class TARN_DEVICE_SIMULATOR_EXPORT ThermalModel {
 public:
     static constexpr const char* loModule = "LO";
+    static constexpr const char* rfModule = "RF source";
 
     /// The temperatures at one moment, in degrees Celsius.
     struct Measurement {
@@ -50,8 +51,8 @@ public:
     /// Switched on at `switchedOn` by the clock, with everything at the ambient temperature.
     ThermalModel(std::uint64_t seed, Duration switchedOn);
 
-    /// From `time` on, `module` is heated by `rise` kelvin more than its steady rise.
-    void setExtraRise(std::string_view module, double rise, Duration time);
+    /// From `time` on, `cause` heats `module` by `rise` kelvin more than its steady rise; several causes add up.
+    void setExtraRise(std::string_view module, const std::string& cause, double rise, Duration time);
 
     /// The temperatures at `time`. Time does not run backwards: before the latest time that the
     /// model has seen, the heating is that of the latest time.
@@ -66,7 +67,7 @@ private:
         double steadyRise; ///< kelvin
         double timeConstant; ///< seconds
         double phase; ///< of the ripple, radians
-        double extraRise = 0.0; ///< kelvin
+        std::unordered_map<std::string, double> extraRises{}; ///< by their causes, kelvin
         double heating = 0.0; ///< kelvin
     };
 

@@ -83,13 +83,26 @@ TEST(ThermalModelTest, HeatsOneModuleMoreWhenToldTo)
     ThermalModel model{5, 0s};
     const auto cold = model.measure(0s);
     static_cast<void>(model.measure(24h));
-    model.setExtraRise(ThermalModel::loModule, 4.0, 24h);
+    model.setExtraRise(ThermalModel::loModule, "leakage", 4.0, 24h);
     EXPECT_NEAR(heatingOf(model, "LO", 24h, cold), 12.0F, tolerance);
     EXPECT_NEAR(heatingOf(model, "LO", 24h + 180s, cold), 14.528482F, tolerance); // 12 + 4 (1 - 1/e)
     EXPECT_NEAR(heatingOf(model, "Reference", 24h + 180s, cold), 6.0F, tolerance);
-    model.setExtraRise(ThermalModel::loModule, 0.0, 48h);
+    model.setExtraRise(ThermalModel::loModule, "leakage", 0.0, 48h);
     EXPECT_NEAR(heatingOf(model, "LO", 48h, cold), 16.0F, tolerance);
     EXPECT_NEAR(heatingOf(model, "LO", 72h, cold), 12.0F, tolerance);
+}
+
+TEST(ThermalModelTest, AddsUpWhatSeveralCausesDoToAModule)
+{
+    ThermalModel model{5, 0s};
+    const auto cold = model.measure(0s);
+    model.setExtraRise(ThermalModel::loModule, "leakage", 4.0, 0s);
+    model.setExtraRise(ThermalModel::loModule, "power", -1.0, 0s);
+    EXPECT_NEAR(heatingOf(model, "LO", 24h, cold), 15.0F, tolerance);
+    model.setExtraRise(ThermalModel::loModule, "power", 2.0, 24h);
+    EXPECT_NEAR(heatingOf(model, "LO", 48h, cold), 18.0F, tolerance);
+    model.setExtraRise(ThermalModel::loModule, "leakage", 0.0, 48h);
+    EXPECT_NEAR(heatingOf(model, "LO", 72h, cold), 14.0F, tolerance);
 }
 
 TEST(ThermalModelTest, ReportsTheMeanAsTheTemperatureOfTheInstrument)
@@ -124,7 +137,7 @@ TEST(ThermalModelTest, IgnoresAModuleThatItDoesNotHave)
 {
     ThermalModel model{5, 0s};
     ThermalModel untouched{5, 0s};
-    model.setExtraRise("Flux capacitor", 100.0, 0s);
+    model.setExtraRise("Flux capacitor", "time", 100.0, 0s);
     EXPECT_EQ(model.measure(60s).modules, untouched.measure(60s).modules);
 }
 

@@ -1,0 +1,67 @@
+#include <simulator/loleakagemodel.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace tarn::simulator {
+
+namespace {
+
+const QString sectionName = QStringLiteral("loLeakage");
+constexpr double leakageRise = 4.0; // kelvin
+
+bool load(const Storage& storage)
+{
+    const auto section = storage.section(sectionName);
+    if (!section.isUndefined() && !section.isBool())
+        storage.refuse(QStringLiteral("\"loLeakage\" is neither true nor false"));
+    return section.toBool();
+}
+
+} // namespace
+
+LoLeakageModel::LoLeakageModel(Storage& storage, ThermalModel& thermal, Clock& clock)
+    : m_storage{storage}
+    , m_thermal{thermal}
+    , m_clock{clock}
+    , m_enabled{load(storage)}
+{
+    const utils::MutexLock lock{m_mutex};
+    take(m_enabled);
+}
+
+bool LoLeakageModel::isEnabled() const
+{
+    const utils::MutexLock lock{m_mutex};
+    return m_enabled;
+}
+
+void LoLeakageModel::setEnabled(bool enabled)
+{
+    const utils::MutexLock lock{m_mutex};
+    if (!save(enabled))
+        throw std::runtime_error{std::string{"the LO leakage setting could not be saved and stays "}
+                                 + (m_enabled ? "on" : "off")
+                                 + "; check that the state folder is there and its disk is not full"};
+    take(enabled);
+}
+
+void LoLeakageModel::cyclePower()
+{
+    const utils::MutexLock lock{m_mutex};
+    take(false);
+    static_cast<void>(save(false)); // the power has gone, whether or not this can be saved
+}
+
+bool LoLeakageModel::save(bool enabled)
+{
+    return !m_storage.save(sectionName, enabled, {});
+}
+
+void LoLeakageModel::take(bool enabled)
+{
+    m_enabled = enabled;
+    m_thermal.setExtraRise(ThermalModel::loModule, "loLeakage", enabled ? leakageRise : 0.0, m_clock.now());
+}
+
+} // namespace tarn::simulator
