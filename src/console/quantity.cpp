@@ -8,6 +8,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <ranges>
 #include <span>
 #include <system_error>
 
@@ -109,9 +110,9 @@ std::string quantityText(double value, Unit unit)
         return fmt::format("{:.0f}", value);
     const auto all = prefixed(unit);
     const auto fits = [&](const Prefixed& each) { return std::abs(value) * each.parts >= each.times; };
-    const auto largest = std::ranges::find_last_if(all, fits);
+    const auto largest = std::ranges::find_if(all | std::views::reverse, fits);
     const auto& base = *std::ranges::find_if(all, &isBase);
-    const auto& chosen = largest.empty() ? base : largest.front();
+    const auto& chosen = largest == all.rend() ? base : *largest;
     const auto text = fmt::format("{:.15g} {}", value * chosen.parts / chosen.times, chosen.symbol);
     return parseQuantity(text, unit) == value ? text : fmt::format("{} {}", value, base.symbol);
 }

@@ -22,7 +22,8 @@ std::vector<std::string> Tuning::candidates(std::span<const std::string> given) 
     const auto arguments = given.subspan(1);
     const bool isSet = verb == "set";
     if (verb == "load" && arguments.empty())
-        std::ranges::transform(tables, std::back_inserter(words), [](const TuningTable& table) { return table.name; });
+        std::ranges::transform(tables, std::back_inserter(words),
+                               [](const TuningTable& table) { return std::string{table.name}; });
     if (isSet && arguments.size() % 2 == 1) {
         const auto setting = std::ranges::find(settings, arguments.back(), &Setting::name);
         return setting == settings.end() ? words : valueWords(setting->form);
@@ -36,15 +37,15 @@ std::vector<std::string> Tuning::candidates(std::span<const std::string> given) 
     return words;
 }
 
-std::vector<Reading> Tuning::read(const std::any& control) const
+std::vector<Reading> Tuning::read(const std::any& there) const
 {
     std::vector<Reading> readings;
     const auto add = [&](const Setting& setting) {
-        readings.push_back({setting, setting.read(control), setting.limits ? setting.limits(control) : Limits{}});
+        readings.push_back({setting, setting.read(there), setting.limits ? setting.limits(there) : Limits{}});
     };
     std::ranges::for_each(settings, add);
     for (const auto& group : rows) {
-        const auto count = static_cast<int>(group.count(control));
+        const auto count = static_cast<int>(group.count(there));
         for (int row = 0; row < count; ++row)
             std::ranges::for_each(group.settings(std::to_string(row), row), add);
     }

@@ -50,8 +50,8 @@ struct Tuning {
     /// What may stand after the words `given`, which begin with the verb.
     [[nodiscard]] std::vector<std::string> candidates(std::span<const std::string> given) const;
 
-    /// What the control, which must be there, shows of all settings.
-    [[nodiscard]] std::vector<Reading> read(const std::any& control) const;
+    /// What the control `there` shows of all settings.
+    [[nodiscard]] std::vector<Reading> read(const std::any& there) const;
 };
 
 /// A tuning of `Control`, still without anything to tune.
