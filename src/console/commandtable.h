@@ -1,5 +1,6 @@
 #pragma once
 
+#include <console/tuningcommand.h>
 #include <devices/instrumentcontrols.h>
 #include <devices/service/ifilememorycontrol.h>
 #include <devices/service/imemoryoperationscontrol.h>
@@ -61,6 +62,13 @@ struct CommandOf {
     static constexpr sdk::Key sdkKey = deviceKey; ///< under which the device has it
 };
 
+/// The same for a control that is described by its settings, by `describe`, in a file of its own.
+template <class Type, class Interface, const Tuning& (*describe)()>
+struct TuningCommand : CommandOf<Type, Interface> {
+    static void addTo(CommandLine& line) { addTuningCommands(line, describe()); }
+    static void tour(Tour& tour) { tourTuning(tour, describe()); }
+};
+
 /// `files list|space|read|write|delete`: the instrument's file memory.
 struct FilesCommand : CommandOf<devices::service::IFileMemoryControl, sdk::service::IFileMemoryControl> {
     static constexpr std::string_view name = "file-memory";
@@ -104,38 +112,32 @@ struct MemoryCommand : CommandOf<devices::service::IMemoryOperationsControl, sdk
 };
 
 /// `quill-synthesis show|get|set|reset`.
-struct QuillSynthesisCommand
-    : CommandOf<devices::service::SdkQuillSynthesisControl, sdk::service::IQuillSynthesisControl> {
+struct QuillSynthesisCommand : TuningCommand<devices::service::SdkQuillSynthesisControl,
+                                             sdk::service::IQuillSynthesisControl, &quillSynthesisTuning> {
     static constexpr std::string_view name = "quill-synthesis";
     static constexpr std::string_view purpose = "Selects reference and intermediate frequency of a Quill module.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `quill-power show|get|set|load|reset|watch`.
-struct QuillPowerCommand : CommandOf<devices::service::SdkQuillPowerControl, sdk::service::IQuillPowerControl> {
+struct QuillPowerCommand
+    : TuningCommand<devices::service::SdkQuillPowerControl, sdk::service::IQuillPowerControl, &quillPowerTuning> {
     static constexpr std::string_view name = "quill-power";
     static constexpr std::string_view purpose = "Sets power codes, attenuators and amplifiers of a Quill module.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `sable-synthesis show|get|set`.
-struct SableSynthesisCommand
-    : CommandOf<devices::service::SdkSableSynthesisControl, sdk::service::ISableSynthesisControl> {
+struct SableSynthesisCommand : TuningCommand<devices::service::SdkSableSynthesisControl,
+                                             sdk::service::ISableSynthesisControl, &sableSynthesisTuning> {
     static constexpr std::string_view name = "sable-synthesis";
     static constexpr std::string_view purpose
         = "Sets power codes, filters, capacitors and delay of a Sable synthesizer.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `sable-power show|get|set|load`.
-struct SablePowerCommand : CommandOf<devices::service::SdkSablePowerControl, sdk::service::ISablePowerModuleControl> {
+struct SablePowerCommand
+    : TuningCommand<devices::service::SdkSablePowerControl, sdk::service::ISablePowerModuleControl, &sablePowerTuning> {
     static constexpr std::string_view name = "sable-power";
     static constexpr std::string_view purpose = "Sets DACs, attenuators and the DDS correction of a Sable device.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `lo-leakage show|on|off`.
@@ -148,29 +150,24 @@ struct LoLeakageCommand : CommandOf<devices::service::SdkLoLeakageControl, sdk::
 };
 
 /// `dorn-power show|get|set|load`.
-struct DornPowerCommand : CommandOf<devices::service::SdkDornPowerControl, sdk::service::IDORNPowerControl> {
+struct DornPowerCommand
+    : TuningCommand<devices::service::SdkDornPowerControl, sdk::service::IDORNPowerControl, &dornPowerTuning> {
     static constexpr std::string_view name = "dorn-power";
     static constexpr std::string_view purpose = "Sets power codes, DACs and receiver gains of a Dorn device.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `dorn-synthesis show|get|set`.
-struct DornSynthesisCommand
-    : CommandOf<devices::service::SdkDornSynthesisControl, sdk::service::IDORNSynthesisControl> {
+struct DornSynthesisCommand : TuningCommand<devices::service::SdkDornSynthesisControl,
+                                            sdk::service::IDORNSynthesisControl, &dornSynthesisTuning> {
     static constexpr std::string_view name = "dorn-synthesis";
     static constexpr std::string_view purpose = "Selects the reference frequency of a Dorn device.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `vell-synthesis show|get|set`.
-struct VellSynthesisCommand
-    : CommandOf<devices::service::SdkVellSynthesisControl, sdk::service::IVellSynthesisControl> {
+struct VellSynthesisCommand : TuningCommand<devices::service::SdkVellSynthesisControl,
+                                            sdk::service::IVellSynthesisControl, &vellSynthesisTuning> {
     static constexpr std::string_view name = "vell-synthesis";
     static constexpr std::string_view purpose = "Selects the intermediate frequency of a Vell device.";
-    static void addTo(CommandLine& line);
-    static void tour(Tour& tour);
 };
 
 /// `system-terms plan|override|write|example|example-plan`.

@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdkdornpowercontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = DornPowerCommand::Control;
+using Control = devices::service::SdkDornPowerControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -48,22 +49,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& dornPowerTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void DornPowerCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void DornPowerCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

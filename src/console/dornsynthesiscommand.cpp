@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdkdornsynthesiscontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = DornSynthesisCommand::Control;
+using Control = devices::service::SdkDornSynthesisControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -23,22 +24,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& dornSynthesisTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void DornSynthesisCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void DornSynthesisCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

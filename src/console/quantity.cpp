@@ -54,8 +54,8 @@ std::span<const Prefixed> prefixed(Unit unit)
 std::optional<double> parseWhole(std::string_view text)
 {
     if (!text.starts_with("0x"))
-        return parseNumber<std::int32_t>(text);
-    return parseNumber<std::uint32_t>(text.substr(2), 16); // takes no sign
+        return parseNumber<std::int64_t>(text);
+    return parseNumber<std::uint64_t>(text.substr(2), 16); // takes no sign
 }
 
 std::string_view trimmed(std::string_view text)

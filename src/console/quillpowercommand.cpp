@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdkquillpowercontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = QuillPowerCommand::Control;
+using Control = devices::service::SdkQuillPowerControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -64,22 +65,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& quillPowerTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void QuillPowerCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void QuillPowerCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

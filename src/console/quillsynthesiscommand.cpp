@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdkquillsynthesiscontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = QuillSynthesisCommand::Control;
+using Control = devices::service::SdkQuillSynthesisControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -33,22 +34,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& quillSynthesisTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void QuillSynthesisCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void QuillSynthesisCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdksablepowercontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = SablePowerCommand::Control;
+using Control = devices::service::SdkSablePowerControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -46,22 +47,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& sablePowerTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void SablePowerCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void SablePowerCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

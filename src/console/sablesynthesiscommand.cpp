@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdksablesynthesiscontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = SableSynthesisCommand::Control;
+using Control = devices::service::SdkSableSynthesisControl;
 using Of = SettingsOf<Control>;
 
 void addCapacitor(std::vector<Setting>& settings, const std::string& name, Control::Capacitor capacitor)
@@ -96,22 +97,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& sableSynthesisTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void SableSynthesisCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void SableSynthesisCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console

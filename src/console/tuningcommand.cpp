@@ -3,13 +3,13 @@
 #include <console/commandline.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
+#include <console/tuning.h>
 #include <console/tuningverbs.h>
 #include <console/tuningwatch.h>
 #include <console/watchloop.h>
 
 #include <algorithm>
 #include <memory>
-#include <span>
 
 namespace tarn::console {
 

@@ -1,11 +1,12 @@
-#include <console/commandtable.h>
+#include <console/tuning.h>
 #include <console/tuningcommand.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 
 namespace tarn::console {
 
 namespace {
 
-using Control = VellSynthesisCommand::Control;
+using Control = devices::service::SdkVellSynthesisControl;
 using Of = SettingsOf<Control>;
 
 Tuning described()
@@ -23,22 +24,12 @@ Tuning described()
     return tuning;
 }
 
-const Tuning& tuning()
+} // namespace
+
+const Tuning& vellSynthesisTuning()
 {
     static const auto tuning = described();
     return tuning;
-}
-
-} // namespace
-
-void VellSynthesisCommand::addTo(CommandLine& line)
-{
-    addTuningCommands(line, tuning());
-}
-
-void VellSynthesisCommand::tour(Tour& tour)
-{
-    tourTuning(tour, tuning());
 }
 
 } // namespace tarn::console
