@@ -141,9 +141,11 @@ private:
     void beAway(const std::stop_token& stop)
     {
         notify(&Observer::onControlsAboutToBeReleased);
-        withdrawTemperatures();
+        withdraw(awkward::Temperatures::key);
+        withdraw(awkward::QuillPower::key);
         while (isToBeAway() && pause(stop)) { }
         offer<sdk::ITemperatureControl, awkward::Temperatures>();
+        offer<sdk::service::IQuillPowerControl, awkward::QuillPower>(std::string{"returned"});
         notify(&Observer::onControlsAvailable);
     }
 
@@ -155,10 +157,10 @@ private:
         return !stop.stop_requested();
     }
 
-    void withdrawTemperatures()
+    void withdraw(sdk::Key key)
     {
         const std::scoped_lock lock{m_mutex};
-        m_controls[awkward::Temperatures::key] = nullptr;
+        m_controls[key] = nullptr;
     }
 
     void notify(void (Observer::*notification)())

@@ -13,11 +13,13 @@
 
 namespace awkward {
 
-/// Forgets what is set, throws with a text that must not be trusted, or is one that others change, too.
+/// Forgets what is set, throws with a text that must not be trusted, is one that others change, too, or has returned
+/// with another setting.
 class QuillPower final : public sdk::service::IQuillPowerControl {
 public:
     explicit QuillPower(std::string behaviour)
         : m_behaviour{std::move(behaviour)}
+        , m_loPower{m_behaviour == "returned" ? std::uint8_t{20} : std::uint8_t{10}}
     {
     }
 
@@ -89,7 +91,7 @@ private:
     }
 
     const std::string m_behaviour;
-    std::atomic<std::uint8_t> m_loPower{10};
+    std::atomic<std::uint8_t> m_loPower;
     std::array<std::atomic<int>, 12> m_values{};
 };
 
