@@ -19,7 +19,8 @@ std::string text(double number)
 
 void Within::operator()(const char* name, double value) const
 {
-    if (!(value >= m_lowest && value <= m_highest))
+    const bool isWithin = value >= m_lowest && value <= m_highest;
+    if (!isWithin)
         throw std::out_of_range{std::string{"the "} + name + ' ' + text(value) + " is not from " + text(m_lowest)
                                 + " to " + text(m_highest)};
 }

@@ -147,7 +147,7 @@ private:
         return std::ranges::all_of(values, [&](auto& value) { return read(array[index++], value); });
     }
 
-    QJsonObject m_object;
+    const QJsonObject m_object;
 };
 
 } // namespace tarn::simulator

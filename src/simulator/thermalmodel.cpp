@@ -45,12 +45,11 @@ ThermalModel::ThermalModel(std::uint64_t seed, Duration switchedOn)
         module.phase = fullTurn * uniform(random);
 }
 
-void ThermalModel::setExtraRise(std::string_view module, const std::string& cause, double rise, Duration time)
+void ThermalModel::setExtraRise(const std::string& module, const std::string& cause, double rise, Duration time)
 {
     const utils::MutexLock lock{m_mutex};
     advance(time);
-    if (const auto found = std::ranges::find(m_modules, module, &Module::name); found != m_modules.end())
-        found->extraRises[cause] = rise;
+    m_extraRises[{module, cause}] = rise;
 }
 
 ThermalModel::Measurement ThermalModel::measure(Duration time)
@@ -76,8 +75,8 @@ void ThermalModel::advance(Duration time)
     m_time = std::max(m_time, time);
     for (auto& module : m_modules) {
         double target = module.steadyRise;
-        for (const auto& [cause, rise] : module.extraRises)
-            target += rise;
+        for (const auto& [heated, rise] : m_extraRises)
+            target += heated.first == module.name ? rise : 0.0;
         module.heating = target + (module.heating - target) * std::exp(-elapsed / module.timeConstant);
     }
 }

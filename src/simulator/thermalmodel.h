@@ -5,9 +5,10 @@
 #include <utils/mutex.h>
 
 #include <cstdint>
+#include <map>
 #include <string>
-#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace tarn::simulator {
@@ -52,7 +53,7 @@ public:
     ThermalModel(std::uint64_t seed, Duration switchedOn);
 
     /// From `time` on, `cause` heats `module` by `rise` kelvin more than its steady rise; several causes add up.
-    void setExtraRise(std::string_view module, const std::string& cause, double rise, Duration time);
+    void setExtraRise(const std::string& module, const std::string& cause, double rise, Duration time);
 
     /// The temperatures at `time`. Time does not run backwards: before the latest time that the
     /// model has seen, the heating is that of the latest time.
@@ -67,7 +68,6 @@ private:
         double steadyRise; ///< kelvin
         double timeConstant; ///< seconds
         double phase; ///< of the ripple, radians
-        std::unordered_map<std::string, double> extraRises{}; ///< by their causes, kelvin
         double heating = 0.0; ///< kelvin
     };
 
@@ -78,6 +78,8 @@ private:
     utils::Mutex m_mutex;
     Duration m_time TARN_GUARDED_BY(m_mutex);
     std::vector<Module> m_modules TARN_GUARDED_BY(m_mutex);
+    /// By module and cause, kelvin.
+    std::map<std::pair<std::string, std::string>, double> m_extraRises TARN_GUARDED_BY(m_mutex);
 };
 
 } // namespace tarn::simulator

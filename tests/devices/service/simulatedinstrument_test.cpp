@@ -1,5 +1,4 @@
-// The adapters that keep observers, obtained as a host does, while a simulated instrument with threads of its own comes
-// and goes.
+// The adapters, obtained as a host does, while a simulated instrument with threads of its own comes and goes.
 
 #include "heard.h"
 
@@ -8,10 +7,17 @@
 #include <devices/service/ipotentiometerscontrol.h>
 #include <devices/service/iusbidcontrol.h>
 #include <devices/service/sdkcalibrationcontrolwatcher.h>
+#include <devices/service/sdkdornpowercontrol.h>
+#include <devices/service/sdkdornsynthesiscontrol.h>
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkquillpowercontrol.h>
+#include <devices/service/sdkquillsynthesiscontrol.h>
+#include <devices/service/sdksablepowercontrol.h>
+#include <devices/service/sdksablesynthesiscontrol.h>
 #include <devices/service/sdktemperaturecontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 #include <devices/service/servicecontrols.h>
 #include <simulator/calibrations.h>
 #include <simulator/simulatedvna.h>
@@ -20,6 +26,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -60,6 +67,9 @@ std::vector<double> pointsOf(const std::vector<vna::FrequencySegment>& plan)
     }
     return points;
 }
+
+/// One setting of each module.
+using Tuning = std::array<double, 7>;
 
 /// An observer of each control that can be left whether or not the instrument offers it.
 using Observers = std::tuple<Hearing<Terms>, Hearing<Ifsw>, Hearing<Power>, Hearing<Memory>, Hearing<SerialNumber>>;
@@ -164,6 +174,46 @@ protected:
         std::ignore = control<Corrections>()->supported();
     }
 
+    /// What each module has of one setting, which is one of three.
+    static Tuning tuning(int number)
+    {
+        const std::array references{5e6, 10e6, 25e6};
+        return {number + 1.0,   number + 64.0,  number + 10.0,
+                number + 100.0, number + 200.0, references[static_cast<std::size_t>(number)],
+                number + 2.0};
+    }
+
+    /// Sets these and reads them back; 0 stands for a control that is away.
+    Tuning tune(int number)
+    {
+        const auto [quillIf, quillPower, sableRow, sableDac, dornDac, dornReference, vellIf] = tuning(number);
+        control<SdkQuillSynthesisControl>()->setSelectedIf(static_cast<int>(quillIf));
+        control<SdkQuillPowerControl>()->setLoPower(static_cast<std::uint8_t>(quillPower));
+        control<SdkSableSynthesisControl>()->setRfPowerRangePower(0, static_cast<std::uint8_t>(sableRow));
+        control<SdkSablePowerControl>()->setSplitDac(static_cast<std::uint16_t>(sableDac));
+        control<SdkDornPowerControl>()->setDacA(static_cast<std::uint16_t>(dornDac));
+        control<SdkDornSynthesisControl>()->setReferenceFrequency(dornReference);
+        control<SdkVellSynthesisControl>()->setSelectedIf(static_cast<int>(vellIf));
+        const auto rows = control<SdkSableSynthesisControl>()->rfPowerRangeTable();
+        return {static_cast<double>(control<SdkQuillSynthesisControl>()->selectedIf()),
+                static_cast<double>(control<SdkQuillPowerControl>()->loPower()),
+                rows.empty() ? 0.0 : rows.front().power,
+                static_cast<double>(control<SdkSablePowerControl>()->splitDac()),
+                static_cast<double>(control<SdkDornPowerControl>()->dacA()),
+                control<SdkDornSynthesisControl>()->currentReferenceFrequency(),
+                static_cast<double>(control<SdkVellSynthesisControl>()->selectedIf())};
+    }
+
+    /// Whether every setting is away or has been set.
+    static bool isPossible(const Tuning& tuned)
+    {
+        for (std::size_t i = 0; i != tuned.size(); ++i) {
+            if (tuned[i] != 0.0 && tuned[i] != tuning(0)[i] && tuned[i] != tuning(1)[i] && tuned[i] != tuning(2)[i])
+                return false;
+        }
+        return true;
+    }
+
     /// Waits, for a long time if need be, and brings this thread's events to their receivers.
     template <class Condition>
     [[nodiscard]] static bool waitFor(Condition isTrue)
@@ -195,7 +245,9 @@ protected:
     InstrumentControls controls{
         vna, registry,
         ControlTypes<IFileMemoryControl, IPotentiometersControl, IUsbIdControl, SerialNumber, Memory,
-                     SdkLoLeakageControl, Terms, Ifsw, Power, Corrections, SdkTemperatureControl, Handle>{}};
+                     SdkQuillSynthesisControl, SdkQuillPowerControl, SdkSableSynthesisControl, SdkSablePowerControl,
+                     SdkLoLeakageControl, SdkDornPowerControl, SdkDornSynthesisControl, SdkVellSynthesisControl, Terms,
+                     Ifsw, Power, Corrections, SdkTemperatureControl, Handle>{}};
     const std::vector<double> termsPoints = pointsOf(control<Terms>()->frequencyPlan());
     const std::vector<double> ifswPoints = pointsOf(control<Ifsw>()->frequencyPlan());
     const std::vector<double> powerPoints = pointsOf(control<Power>()->frequencyPlan());
@@ -233,6 +285,11 @@ TEST_F(SimulatedInstrument, ThatComesAndGoesLosesNoEndAndTellsNobodyWhoHasGone)
             useMemory();
         }
     };
+    std::atomic<int> wrongTunings = 0;
+    const auto tuneOn = [&] {
+        for (int round = 0; !isOver; ++round)
+            wrongTunings += isPossible(tune(round % 3)) ? 0 : 1;
+    };
     const auto observe = [&](Observers& observers, Hearing<Corrections>& correctionObserver) {
         while (!isOver) {
             addAll(observers);
@@ -241,9 +298,11 @@ TEST_F(SimulatedInstrument, ThatComesAndGoesLosesNoEndAndTellsNobodyWhoHasGone)
             controls.undisturbed([&] { control<Corrections>()->removeObserver(&correctionObserver); });
         }
     };
+    EXPECT_EQ(tune(0), tuning(0));
     std::vector<std::future<void>> threads;
     threads.push_back(std::async(std::launch::async, write));
     threads.push_back(std::async(std::launch::async, comeAndGo));
+    threads.push_back(std::async(std::launch::async, tuneOn));
     for (int i = 0; i != 2; ++i)
         threads.push_back(std::async(std::launch::async, observe, std::ref(others[i]), std::ref(corrections[i + 1])));
     const auto hasEnded = [](const auto& thread) { return thread.wait_for(0s) == std::future_status::ready; };
@@ -255,6 +314,9 @@ TEST_F(SimulatedInstrument, ThatComesAndGoesLosesNoEndAndTellsNobodyWhoHasGone)
 
     // The instrument is there, and stays.
     QCoreApplication::sendPostedEvents(); // the watchers follow
+    EXPECT_EQ(wrongTunings, 0);
+    for (const int number : {0, 1, 2})
+        EXPECT_EQ(tune(number), tuning(number));
     for (auto& observer : corrections)
         add(observer);
     const int unitChangesBefore = unitChanges;
