@@ -78,8 +78,9 @@ std::string symbols(Unit unit)
     const auto all = prefixed(unit);
     std::string text;
     for (const auto& each : all) {
-        const bool isLast = &each == &all.back();
-        text += fmt::format("{}{}", text.empty() ? "" : isLast ? " or " : ", ", each.symbol);
+        if (!text.empty())
+            text += &each == &all.back() ? " or " : ", ";
+        text += each.symbol;
     }
     return text;
 }

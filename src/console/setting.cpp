@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <ranges>
 
 namespace tarn::console {
 
@@ -211,9 +211,8 @@ std::string acceptedText(const Reading& reading)
     if (limits.list && limits.list->empty())
         return "nothing: the instrument lists none";
     if (limits.list && setting.form.kind == Kind::Position) {
-        std::vector<double> positions(limits.list->size());
-        std::iota(positions.begin(), positions.end(), 0.0);
-        return joined(positions, [&](double position) { return positionText(reading, position); });
+        const auto positions = std::views::iota(std::size_t{0}, limits.list->size());
+        return joined(positions, [&](std::size_t at) { return positionText(reading, static_cast<double>(at)); });
     }
     if (limits.list)
         return listText(*limits.list, setting.form.unit);

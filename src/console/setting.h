@@ -39,7 +39,7 @@ struct SettingForm {
 
     Kind kind = Kind::Number;
     Unit unit = Unit::None;
-    std::vector<std::string_view> names = {}; ///< of a choice
+    std::vector<std::string_view> names; ///< of a choice
     int first = 0; ///< the number of the first name
 };
 
@@ -47,7 +47,7 @@ struct SettingForm {
 struct Limits {
     double lower = -std::numeric_limits<double>::infinity();
     double upper = std::numeric_limits<double>::infinity();
-    std::optional<std::vector<double>> list = {}; ///< the only values; nothing if there is no such list
+    std::optional<std::vector<double>> list = std::nullopt; ///< the only values; nothing if there is no such list
 };
 
 /// One setting of a control. The control is handed over as a `std::any` that holds a `std::shared_ptr` to it.
@@ -56,8 +56,8 @@ struct Setting {
     std::string purpose;
     SettingForm form;
     std::function<SettingValue(const std::any& control)> read;
-    std::function<void(const std::any& control, const SettingValue& value)> write = {}; ///< empty: read-only
-    std::function<Limits(const std::any& control)> limits = {}; ///< empty: none
+    std::function<void(const std::any& control, const SettingValue& value)> write = nullptr; ///< empty: read-only
+    std::function<Limits(const std::any& control)> limits = nullptr; ///< empty: none
 
     [[nodiscard]] bool isReadOnly() const { return !write; }
 };
@@ -241,40 +241,40 @@ private:
 /// A number of the instrument's own.
 [[nodiscard]] inline SettingForm code()
 {
-    return {};
+    return {SettingForm::Kind::Number, Unit::None, {}, 0};
 }
 
 /// A number with a unit.
 [[nodiscard]] inline SettingForm quantity(Unit unit)
 {
-    return {.unit = unit};
+    return {SettingForm::Kind::Number, unit, {}, 0};
 }
 
 /// An enumeration with the number `first` and those that follow.
 [[nodiscard]] inline SettingForm choice(std::vector<std::string_view> names, int first = 0)
 {
-    return {.kind = SettingForm::Kind::Choice, .names = std::move(names), .first = first};
+    return {SettingForm::Kind::Choice, Unit::None, std::move(names), first};
 }
 
 [[nodiscard]] inline SettingForm onOff()
 {
-    return {.kind = SettingForm::Kind::Switch};
+    return {SettingForm::Kind::Switch, Unit::None, {}, 0};
 }
 
 /// A position in a list of quantities.
 [[nodiscard]] inline SettingForm position(Unit unit)
 {
-    return {.kind = SettingForm::Kind::Position, .unit = unit};
+    return {SettingForm::Kind::Position, unit, {}, 0};
 }
 
 [[nodiscard]] inline SettingForm range(Unit unit)
 {
-    return {.kind = SettingForm::Kind::Range, .unit = unit};
+    return {SettingForm::Kind::Range, unit, {}, 0};
 }
 
 [[nodiscard]] inline SettingForm list(Unit unit)
 {
-    return {.kind = SettingForm::Kind::List, .unit = unit};
+    return {SettingForm::Kind::List, unit, {}, 0};
 }
 
 } // namespace tarn::console

@@ -31,18 +31,20 @@ struct TuningTable {
 
 /// All that a control of a module lets tune, from which its commands are derived.
 struct Tuning {
-    std::uint64_t registryKey;
-    std::any (*control)(const Instrument&); ///< a `std::shared_ptr` to the control; throws as `Instrument::control`
+    std::uint64_t registryKey = 0;
+    std::any (*control)(const Instrument&)
+        = nullptr; ///< a `std::shared_ptr` to the control; throws as `Instrument::control`
     std::string_view name; ///< the noun
     std::string_view description;
-    std::string_view example = {}; ///< what follows `set`
-    std::string_view harmless = {}; ///< the setting that the tour changes for a moment, which has a list or names
-    std::vector<Setting> settings = {};
-    std::vector<SettingRows> rows = {};
-    std::vector<TuningTable> tables = {};
-    std::function<void(const std::any& control)> reset = {}; ///< empty: there is none
+    std::string_view example; ///< what follows `set`
+    std::string_view harmless; ///< the setting that the tour changes for a moment, which has a list or names
+    std::vector<Setting> settings;
+    std::vector<SettingRows> rows;
+    std::vector<TuningTable> tables;
+    std::function<void(const std::any& control)> reset = nullptr; ///< empty: there is none
     /// Has `changed` called, on the thread of `context`, for each of the control's change signals; empty: it has none.
-    std::function<void(const std::any& control, const QObject& context, std::function<void()> changed)> connect = {};
+    std::function<void(const std::any& control, const QObject& context, std::function<void()> changed)> connect
+        = nullptr;
 
     /// The settings, with those of each row called N.
     [[nodiscard]] std::vector<Setting> described() const;
@@ -58,10 +60,12 @@ struct Tuning {
 template <class Control>
 [[nodiscard]] Tuning tuningOf(std::string_view name, std::string_view description)
 {
-    return {.registryKey = Control::registryKey,
-            .control = [](const Instrument& instrument) { return std::any{instrument.control<Control>()}; },
-            .name = name,
-            .description = description};
+    Tuning tuning;
+    tuning.registryKey = Control::registryKey;
+    tuning.control = [](const Instrument& instrument) { return std::any{instrument.control<Control>()}; };
+    tuning.name = name;
+    tuning.description = description;
+    return tuning;
 }
 
 } // namespace tarn::console
