@@ -1,5 +1,6 @@
 #pragma once
 
+#include <console/tuningcommand.h>
 #include <devices/instrumentcontrols.h>
 #include <devices/service/ifilememorycontrol.h>
 #include <devices/service/imemoryoperationscontrol.h>
@@ -24,15 +25,22 @@
 #include <sdk/itemperaturecontrol.h>
 #include <sdk/key.h>
 #include <sdk/service/calibrations/icalibrationcontroller.h>
+#include <sdk/service/idornpowercontrol.h>
+#include <sdk/service/idornsynthesiscontrol.h>
 #include <sdk/service/ifilememorycontrol.h>
 #include <sdk/service/iloleakagecontrol.h>
 #include <sdk/service/imemoryoperationscontrol.h>
 #include <sdk/service/imemoryserialnumbercontrol.h>
 #include <sdk/service/imemoryusbidcontrol.h>
 #include <sdk/service/ipotentiometerscontrol.h>
+#include <sdk/service/iquillpowercontrol.h>
+#include <sdk/service/iquillsynthesiscontrol.h>
+#include <sdk/service/isablepowermodulecontrol.h>
+#include <sdk/service/isablesynthesiscontrol.h>
 #include <sdk/service/isystemtermscontrol.h>
 #include <sdk/service/ivellfactorypowercalibrationcontrol.h>
 #include <sdk/service/ivellifswcalibrationcontrol.h>
+#include <sdk/service/ivellsynthesiscontrol.h>
 
 #include <cstdint>
 #include <string_view>
@@ -52,6 +60,13 @@ struct CommandOf {
 
     static constexpr std::uint64_t registryKey = key;
     static constexpr sdk::Key sdkKey = deviceKey; ///< under which the device has it
+};
+
+/// The same for a control that is described by its settings, by `describe`, in a file of its own.
+template <class Type, class Interface, const Tuning& (*describe)()>
+struct TuningCommand : CommandOf<Type, Interface> {
+    static void addTo(CommandLine& line) { addTuningCommands(line, describe()); }
+    static void tour(Tour& tour) { tourTuning(tour, describe()); }
 };
 
 /// `files list|space|read|write|delete`: the instrument's file memory.
@@ -96,6 +111,35 @@ struct MemoryCommand : CommandOf<devices::service::IMemoryOperationsControl, sdk
     static void tour(Tour& tour);
 };
 
+/// `quill-synthesis show|get|set|reset`.
+struct QuillSynthesisCommand : TuningCommand<devices::service::SdkQuillSynthesisControl,
+                                             sdk::service::IQuillSynthesisControl, &quillSynthesisTuning> {
+    static constexpr std::string_view name = "quill-synthesis";
+    static constexpr std::string_view purpose = "Selects reference and intermediate frequency of a Quill module.";
+};
+
+/// `quill-power show|get|set|load|reset|watch`.
+struct QuillPowerCommand
+    : TuningCommand<devices::service::SdkQuillPowerControl, sdk::service::IQuillPowerControl, &quillPowerTuning> {
+    static constexpr std::string_view name = "quill-power";
+    static constexpr std::string_view purpose = "Sets power codes, attenuators and amplifiers of a Quill module.";
+};
+
+/// `sable-synthesis show|get|set`.
+struct SableSynthesisCommand : TuningCommand<devices::service::SdkSableSynthesisControl,
+                                             sdk::service::ISableSynthesisControl, &sableSynthesisTuning> {
+    static constexpr std::string_view name = "sable-synthesis";
+    static constexpr std::string_view purpose
+        = "Sets power codes, filters, capacitors and delay of a Sable synthesizer.";
+};
+
+/// `sable-power show|get|set|load`.
+struct SablePowerCommand
+    : TuningCommand<devices::service::SdkSablePowerControl, sdk::service::ISablePowerModuleControl, &sablePowerTuning> {
+    static constexpr std::string_view name = "sable-power";
+    static constexpr std::string_view purpose = "Sets DACs, attenuators and the DDS correction of a Sable device.";
+};
+
 /// `lo-leakage show|on|off`.
 struct LoLeakageCommand : CommandOf<devices::service::SdkLoLeakageControl, sdk::service::ILoLeakageControl> {
     static constexpr std::string_view name = "lo-leakage";
@@ -103,6 +147,27 @@ struct LoLeakageCommand : CommandOf<devices::service::SdkLoLeakageControl, sdk::
         = "Lets the local oscillator reach the test ports, to measure how much of it leaks.";
     static void addTo(CommandLine& line);
     static void tour(Tour& tour);
+};
+
+/// `dorn-power show|get|set|load`.
+struct DornPowerCommand
+    : TuningCommand<devices::service::SdkDornPowerControl, sdk::service::IDORNPowerControl, &dornPowerTuning> {
+    static constexpr std::string_view name = "dorn-power";
+    static constexpr std::string_view purpose = "Sets power codes, DACs and receiver gains of a Dorn device.";
+};
+
+/// `dorn-synthesis show|get|set`.
+struct DornSynthesisCommand : TuningCommand<devices::service::SdkDornSynthesisControl,
+                                            sdk::service::IDORNSynthesisControl, &dornSynthesisTuning> {
+    static constexpr std::string_view name = "dorn-synthesis";
+    static constexpr std::string_view purpose = "Selects the reference frequency of a Dorn device.";
+};
+
+/// `vell-synthesis show|get|set`.
+struct VellSynthesisCommand : TuningCommand<devices::service::SdkVellSynthesisControl,
+                                            sdk::service::IVellSynthesisControl, &vellSynthesisTuning> {
+    static constexpr std::string_view name = "vell-synthesis";
+    static constexpr std::string_view purpose = "Selects the intermediate frequency of a Vell device.";
 };
 
 /// `system-terms plan|override|write|example|example-plan`.
@@ -173,17 +238,14 @@ struct SecondCalibrationsCommand
 /// A list of them.
 template <class... Commands>
 struct ControlCommands {
-    /// The types of their controls, and those of the controls that have no commands.
-    using Types
-        = devices::ControlTypes<typename Commands::Control..., devices::service::SdkQuillPowerControl,
-                                devices::service::SdkQuillSynthesisControl, devices::service::SdkDornPowerControl,
-                                devices::service::SdkDornSynthesisControl, devices::service::SdkSablePowerControl,
-                                devices::service::SdkSableSynthesisControl, devices::service::SdkVellSynthesisControl>;
+    using Types = devices::ControlTypes<typename Commands::Control...>; ///< those of their controls
 };
 
 /// All of them, in the order of the registry.
 using AllControls
-    = ControlCommands<FilesCommand, PotentiometersCommand, UsbCommand, SerialCommand, MemoryCommand, LoLeakageCommand,
+    = ControlCommands<FilesCommand, PotentiometersCommand, UsbCommand, SerialCommand, MemoryCommand,
+                      QuillSynthesisCommand, QuillPowerCommand, SableSynthesisCommand, SablePowerCommand,
+                      LoLeakageCommand, DornPowerCommand, DornSynthesisCommand, VellSynthesisCommand,
                       SystemTermsCommand, IfswCalibrationCommand, PowerCalibrationCommand, CorrectionsCommand,
                       TemperatureCommand, FirstCalibrationsCommand, SecondCalibrationsCommand>;
 

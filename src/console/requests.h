@@ -4,6 +4,7 @@
 #include <console/instrument.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -47,27 +48,18 @@ private:
                  "nothing was changed; check the instrument and its connection, then try again"};
 }
 
-/// Makes `operation(control)`, which must be quick, while the instrument holds on to the control: one
-/// that is away reads as nothing and takes no change. `what` is looked at or changed ("LO leakage").
-/// Throws as `Instrument::awaitControl`, and `Error` (`Failed`) when the control never stays.
+/// Runs `operation`, which must be quick, while the instrument holds on to the control. `what` is looked at or
+/// changed ("LO leakage"). Throws as `Instrument::awaitControl`, and `Error` (`Failed`) when the control never
+/// stays.
+void whileThere(const Instrument& instrument, std::uint64_t registryKey, std::string_view what,
+                const std::function<void()>& operation);
+
+/// The same for `operation(control)`: a control that is away reads as nothing and takes no change.
 template <class Control, class Operation>
 void whileThere(const Instrument& instrument, std::uint64_t registryKey, std::string_view what, Operation operation)
 {
     const auto control = instrument.control<Control>(registryKey);
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
-        instrument.awaitControl(registryKey);
-        const bool made = instrument.lifecycle().whileHere([&] {
-            if (!instrument.isThere(registryKey))
-                return false;
-            operation(*control);
-            return true;
-        });
-        if (made)
-            return;
-    }
-    throw Error{ErrorCode::Failed,
-                "the instrument keeps dropping its controls, and " + std::string{what} + " could not be reached",
-                "check the instrument and its connection, then try again"};
+    whileThere(instrument, registryKey, what, [&] { operation(*control); });
 }
 
 /// What an instrument is asked to do.

@@ -3,7 +3,6 @@
 #include <console/temperaturewatch.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
-#include <utils/duration.h>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -15,8 +14,6 @@ namespace tarn::console {
 namespace {
 
 using Control = TemperatureCommand::Control;
-
-constexpr std::chrono::days longestInterval{1}; // Qt's timers end after 24 days
 
 QJsonObject json(const Control& control)
 {
@@ -82,17 +79,8 @@ void TemperatureCommand::addTo(CommandLine& line)
                               "Show every measurement as it is made, until Ctrl-C; waits while the instrument is away",
                               [options](Session& session) { watch(session, *options); });
     addCountOption(verb, options->count, "End after so many readings");
-    verb.add_option_function<std::string>(
-            "--interval",
-            [options](const std::string& text) {
-                const auto interval = utils::parseDuration(text);
-                if (!interval || *interval > longestInterval)
-                    throw CLI::ValidationError{
-                        "--interval", "'" + text + "' is not a time such as 500ms, 2s or 1min, of a day at most"};
-                options->interval = *interval;
-            },
-            "Show at most one reading in this time, for example 500ms; a day at most")
-        ->type_name("TIME");
+    addIntervalOption(verb, options->interval,
+                      "Show at most one reading in this time, for example 500ms; a day at most");
     CommandLine::addExamples(verb, {"temperature watch", "temperature watch --count 10 --interval 1s --json"});
 }
 

@@ -18,8 +18,8 @@ namespace {
 constexpr QLatin1StringView dropOption{"drop-every"};
 
 constexpr auto footer = R"(
-For a moment the tour writes a file of its own into the file memory and switches LO leakage. It puts
-everything back as it was, after Ctrl-C too.
+For a moment the tour writes a file of its own into the file memory, switches LO leakage and changes
+one setting of each power stage and synthesizer. It puts everything back as it was, after Ctrl-C too.
 
 A simulated instrument is changed without asking, and 'drop-every=2' is added to an address that does
 not say when its controls are dropped. On a real one the tour asks before each change, and changes
@@ -120,7 +120,7 @@ void Tour::show(std::string_view label, std::string_view text, const QJsonValue&
                                             : m_output.paint(Output::Style::Faint, "   (controls dropped meanwhile)");
     m_dropsSaid = drops;
     m_shown.append(QJsonObject{{QStringLiteral("label"), toJson(label)}, {QStringLiteral("value"), value}});
-    line(fmt::format("    {} {}{}", padded(escaped(label), 14), text, again));
+    line(fmt::format("    {} {}{}", padded(escaped(label), 28), text, again));
     if (m_interrupt.isRequested())
         throw Error{ErrorCode::Interrupted, "interrupted", "the instrument is as it was"};
 }

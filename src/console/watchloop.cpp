@@ -2,6 +2,7 @@
 
 #include <console/number.h>
 #include <console/text.h>
+#include <utils/duration.h>
 
 #include <QDateTime>
 #include <QSocketNotifier>
@@ -99,6 +100,23 @@ void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, cons
             },
             description)
         ->type_name("N");
+}
+
+void addIntervalOption(CLI::App& command, std::chrono::microseconds& interval, const std::string& description)
+{
+    static constexpr std::chrono::days longest{1}; // Qt's timers end after 24 days
+    command
+        .add_option_function<std::string>(
+            "--interval",
+            [&interval](const std::string& text) {
+                const auto length = utils::parseDuration(text);
+                if (!length || *length > longest)
+                    throw CLI::ValidationError{
+                        "--interval", "'" + text + "' is not a time such as 500ms, 2s or 1min, of a day at most"};
+                interval = *length;
+            },
+            description)
+        ->type_name("TIME");
 }
 
 } // namespace tarn::console

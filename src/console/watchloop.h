@@ -11,6 +11,7 @@
 #include <QJsonObject>
 #include <QObject>
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <functional>
@@ -61,5 +62,8 @@ private:
 
 /// Adds `--count` to a command that watches.
 void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description);
+
+/// Adds `--interval`, a day at most, to a command that watches.
+void addIntervalOption(CLI::App& command, std::chrono::microseconds& interval, const std::string& description);
 
 } // namespace tarn::console

@@ -15,8 +15,11 @@ protected:
     /// Everything that the instrument keeps.
     QByteArray kept()
     {
-        return run({QStringLiteral("files"), QStringLiteral("list")}).out
-            + run({QStringLiteral("lo-leakage"), QStringLiteral("show")}).out;
+        auto all = run({QStringLiteral("files"), QStringLiteral("list")}).out;
+        for (const auto* const noun : {"lo-leakage", "quill-power", "quill-synthesis", "sable-power", "sable-synthesis",
+                                       "dorn-power", "dorn-synthesis", "vell-synthesis"})
+            all += run({QString::fromUtf8(noun), QStringLiteral("show")}).out;
+        return all;
     }
 
     void SetUp() override
@@ -33,12 +36,34 @@ TEST_F(TourCommandTest, ShowsEveryControlOnARestlessInstrumentAndLeavesItAsItWas
     const auto outcome = run({QStringLiteral("tour")});
     EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     const auto text = outcome.out.toStdString();
-    for (const auto* const part :
-         {"file-memory", "potentiometers", "usb-id", "serial-number", "memory-operations", "lo-leakage", "system-terms",
-          "ifsw-calibration", "power-calibration", "corrections", "temperature", "calibrations-1", "calibrations-2",
-          "read back and compared", "switched back", "dropped meanwhile", "13 of 13 controls seen", "all came back"})
+    for (const auto* const part : {"file-memory",
+                                   "potentiometers",
+                                   "usb-id",
+                                   "serial-number",
+                                   "memory-operations",
+                                   "quill-synthesis",
+                                   "quill-power",
+                                   "sable-synthesis",
+                                   "sable-power",
+                                   "lo-leakage",
+                                   "dorn-power",
+                                   "dorn-synthesis",
+                                   "vell-synthesis",
+                                   "set back",
+                                   "system-terms",
+                                   "ifsw-calibration",
+                                   "power-calibration",
+                                   "corrections",
+                                   "temperature",
+                                   "calibrations-1",
+                                   "calibrations-2",
+                                   "read back and compared",
+                                   "switched back",
+                                   "dropped meanwhile",
+                                   "20 of 20 controls seen",
+                                   "all came back"})
         EXPECT_THAT(text, HasSubstr(part));
-    EXPECT_LE(outcome.out.count('\n'), 90);
+    EXPECT_LE(outcome.out.count('\n'), 240);
     EXPECT_EQ(kept(), before);
 }
 
@@ -47,8 +72,8 @@ TEST_F(TourCommandTest, SaysInJsonWhatCameBackAndHowOftenTheControlsWereDropped)
     const auto outcome = run({QStringLiteral("--json"), QStringLiteral("tour")});
     EXPECT_EQ(outcome.exitCode, 0);
     const auto objects = outcome.objects();
-    ASSERT_EQ(objects.size(), 14);
-    for (const auto& object : objects.first(13)) {
+    ASSERT_EQ(objects.size(), 21);
+    for (const auto& object : objects.first(20)) {
         EXPECT_EQ(object.value(QStringLiteral("command")).toString(), QStringLiteral("tour"));
         const auto result = object.value(QStringLiteral("result")).toObject();
         EXPECT_TRUE(result.value(QStringLiteral("available")).toBool());
@@ -57,7 +82,7 @@ TEST_F(TourCommandTest, SaysInJsonWhatCameBackAndHowOftenTheControlsWereDropped)
     const auto summary = objects.last().value(QStringLiteral("result")).toObject();
     EXPECT_GE(summary.value(QStringLiteral("drops")).toInteger(), 2);
     EXPECT_EQ(summary.value(QStringLiteral("drops")), summary.value(QStringLiteral("returns")));
-    EXPECT_EQ(summary.value(QStringLiteral("visited")).toInteger(), 13);
+    EXPECT_EQ(summary.value(QStringLiteral("visited")).toInteger(), 20);
 }
 
 TEST_F(TourCommandTest, CarriesLabelsInJsonAsTheyAre)
@@ -93,7 +118,8 @@ TEST_F(TourCommandTest, LeavesAnAddressThatSaysWhenControlsAreDroppedAlone)
 TEST_F(TourCommandTest, SaysInItsHelpWhatItChanges)
 {
     const auto help = run({QStringLiteral("tour"), QStringLiteral("--help")}).out.toStdString();
-    for (const auto* const part : {"writes a file", "switches LO leakage", "'drop-every=2'", "without asking"})
+    for (const auto* const part : {"writes a file", "switches LO leakage", "one setting of each power stage",
+                                   "'drop-every=2'", "without asking"})
         EXPECT_THAT(help, HasSubstr(part));
 }
 
@@ -102,7 +128,7 @@ TEST_F(TourCommandTest, TakesTheAddressThatItIsGiven)
     const auto bare = run({QStringLiteral("--address"), QStringLiteral("profile=bare"), QStringLiteral("tour")});
     EXPECT_EQ(bare.exitCode, 0);
     EXPECT_THAT(bare.out.toStdString(), HasSubstr("This instrument does not have it."));
-    EXPECT_THAT(bare.out.toStdString(), HasSubstr("0 of 13 controls seen"));
+    EXPECT_THAT(bare.out.toStdString(), HasSubstr("0 of 20 controls seen"));
 }
 
 struct Trouble {
@@ -162,9 +188,11 @@ TEST_F(TourCommandTest, ChangesNothingOnARealInstrumentWithoutConsent)
 
 TEST_F(TourCommandTest, AsksForConsentOnATerminal)
 {
-    const auto outcome = runOnTerminal(awkward({}) + words("--color never tour"), "n\ny\n");
+    const auto outcome = runOnTerminal(awkward({}) + words("--color never tour"), "n\nn\ny\n");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.out.toStdString(), HasSubstr("Not done without your consent: write a file"));
+    EXPECT_THAT(outcome.out.toStdString(), HasSubstr("Shall the tour set amp-r-port1 to high for a moment?"));
+    EXPECT_THAT(outcome.out.toStdString(), HasSubstr("Not done without your consent: set amp-r-port1"));
     EXPECT_THAT(outcome.out.toStdString(), HasSubstr("Shall the tour switch LO leakage on for a moment?"));
     EXPECT_THAT(outcome.out.toStdString(), HasSubstr("switched back"));
 }

@@ -1,6 +1,7 @@
 #include "awkwardcalibrations.h"
 #include "awkwardcontrols.h"
 #include "awkwardmemory.h"
+#include "awkwardtuning.h"
 
 #include <provider/ideviceprovider.h>
 #include <sdk/ivna.h>
@@ -32,7 +33,7 @@ namespace {
 ///   throwing     throws
 ///   exhausted    is out of memory
 ///   late         drops a calibration controller before it was ever had, and offers it a little later
-///   shared       has somebody else write its calibration data and switch its corrections all the time
+///   shared       has somebody else write its calibration data, switch its corrections and set its power all the time
 ///   vanishing    drops its controls for good, without a word, once they were handed out
 ///   flickering   has no LO leakage control at every second question once it was handed out
 ///   restless     has dropped its controls while there is a file "away" in the current folder
@@ -48,6 +49,7 @@ public:
         offer<sdk::service::IMemorySerialNumberControl, awkward::SerialNumber>(behaviour);
         offer<sdk::service::IMemoryOperationsControl, awkward::MemoryOperations>(behaviour);
         offer<sdk::service::ILoLeakageControl, awkward::LoLeakage>(behaviour);
+        offer<sdk::service::IQuillPowerControl, awkward::QuillPower>(behaviour);
         offer<sdk::ITemperatureControl, awkward::Temperatures>();
         if (behaviour == "shared") {
             offer<sdk::service::IVellIfswCalibrationControl, awkward::IfswCalibration>();
@@ -118,6 +120,7 @@ private:
             letLive<sdk::ITemperatureControl, awkward::Temperatures>();
             letLive<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
             letLive<sdk::IFactoryCorrectionControl, awkward::Corrections>();
+            letLive<sdk::service::IQuillPowerControl, awkward::QuillPower>();
             if (isToBeAway())
                 beAway(stop);
             if (m_isLate.exchange(false))
@@ -138,9 +141,11 @@ private:
     void beAway(const std::stop_token& stop)
     {
         notify(&Observer::onControlsAboutToBeReleased);
-        withdrawTemperatures();
+        withdraw(awkward::Temperatures::key);
+        withdraw(awkward::QuillPower::key);
         while (isToBeAway() && pause(stop)) { }
         offer<sdk::ITemperatureControl, awkward::Temperatures>();
+        offer<sdk::service::IQuillPowerControl, awkward::QuillPower>(std::string{"returned"});
         notify(&Observer::onControlsAvailable);
     }
 
@@ -152,10 +157,10 @@ private:
         return !stop.stop_requested();
     }
 
-    void withdrawTemperatures()
+    void withdraw(sdk::Key key)
     {
         const std::scoped_lock lock{m_mutex};
-        m_controls[awkward::Temperatures::key] = nullptr;
+        m_controls[key] = nullptr;
     }
 
     void notify(void (Observer::*notification)())
