@@ -16,7 +16,7 @@ void Call::prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::str
     m_lateCompletions.store(0, std::memory_order_relaxed);
     m_isReturned.store(false, std::memory_order_relaxed);
     setPhase(Phase::Idle);
-    m_holders.store(1, std::memory_order_release);
+    m_holders.store(2, std::memory_order_release);
 }
 
 void Call::release()
@@ -25,7 +25,6 @@ void Call::release()
         return;
     if (claim())
         endUnanswered(Phase::Dropped, Error::Dropped, Breach::Dropped);
-    forget();
     recycle();
 }
 

@@ -37,7 +37,7 @@ public:
     void look();
 
 protected:
-    /// The caller takes hold of a free call.
+    /// Makes a free call one for a new request. Two hold it: the caller, and the completion that it is about to make.
     void prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view operation);
 
     /// The request is about to be made: it can be ended from now on.
@@ -67,10 +67,7 @@ private:
     /// Calls the caller's completion with `error`.
     virtual void fail(std::error_code error) = 0;
 
-    /// Lets go of the caller's completion.
-    virtual void forget() = 0;
-
-    /// Makes the call free to be used again.
+    /// Lets go of the caller's completion; the call is free from now on.
     virtual void recycle() = 0;
 
     [[nodiscard]] bool tryRetain();

@@ -37,7 +37,7 @@ protected:
     template <class Done, class Operation, class... Arguments>
     void request(std::string_view name, Done& done, Operation operation, Arguments&&... arguments)
     {
-        Request<Done>::make(m_host, Interface::key, name, std::move(done), [&](Done&& completion) {
+        Request<Done>::make(m_host, Interface::key, name, done, [&](Done&& completion) {
             (m_control.*operation)(std::forward<Arguments>(arguments)..., std::move(completion));
         });
     }
@@ -45,6 +45,29 @@ protected:
 private:
     Interface& m_control;
     const std::shared_ptr<Host> m_host;
+};
+
+/// Tells the host of the progress that a control tells of.
+template <class Control, class Observer>
+class Progress : public Observer {
+public:
+    explicit Progress(Host& host)
+        : m_host{host}
+    {
+    }
+
+    /// From now on, for the rest of the life of `control`. The same one each time.
+    void observe(Control& control)
+    {
+        std::call_once(m_observed, [&] { control.addObserver(this); });
+    }
+
+protected:
+    void onProgress() { m_host.onProgress(); }
+
+private:
+    Host& m_host;
+    std::once_flag m_observed;
 };
 
 class FileMemory final : public Decorated<sdk::service::IFileMemoryControl> {
@@ -75,8 +98,18 @@ public:
     }
 };
 
-class MemoryOperations final : public Decorated<sdk::service::IMemoryOperationsControl>,
-                               private sdk::service::IMemoryOperationsControl::IObserver {
+class MemoryProgress final
+    : public Progress<sdk::service::IMemoryOperationsControl, sdk::service::IMemoryOperationsControl::IObserver> {
+public:
+    using Progress::Progress;
+
+    void onReadProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
+    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
+    void onEraseProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
+    void onIntegrityCheckProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
+};
+
+class MemoryOperations final : public Decorated<sdk::service::IMemoryOperationsControl> {
 public:
     using Interface = sdk::service::IMemoryOperationsControl;
     using Decorated::Decorated;
@@ -103,19 +136,11 @@ private:
     template <class Done, class Operation, class... Arguments>
     void observed(std::string_view name, Done& done, Operation operation, Arguments&&... arguments)
     {
-        std::call_once(m_observed, [this] { control().addObserver(this); }); // for the rest of the control's life
+        m_progress.observe(control());
         request(name, done, operation, std::forward<Arguments>(arguments)...);
     }
 
-    void onReadProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { host().onProgress(); }
-    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { host().onProgress(); }
-    void onEraseProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { host().onProgress(); }
-    void onIntegrityCheckProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override
-    {
-        host().onProgress();
-    }
-
-    std::once_flag m_observed;
+    MemoryProgress m_progress{host()};
 };
 
 class Potentiometers final : public Decorated<sdk::service::IPotentiometersControl> {
@@ -141,11 +166,17 @@ public:
     }
 };
 
-class SerialNumber final : public Decorated<sdk::service::IMemorySerialNumberControl>,
-                           private sdk::service::IMemorySerialNumberControl::Observer {
+class SerialNumberProgress final
+    : public Progress<sdk::service::IMemorySerialNumberControl, sdk::service::IMemorySerialNumberControl::Observer> {
+public:
+    using Progress::Progress;
+
+    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
+};
+
+class SerialNumber final : public Decorated<sdk::service::IMemorySerialNumberControl> {
 public:
     using Interface = sdk::service::IMemorySerialNumberControl;
-    using Observer = Interface::Observer;
     using Decorated::Decorated;
 
     void serialNumber(sdk::Completion<unsigned int> done) override
@@ -155,7 +186,7 @@ public:
 
     void writeSerialNumber(unsigned int serialNumber, sdk::Completion<> done) override
     {
-        std::call_once(m_observed, [this] { control().addObserver(this); }); // for the rest of the control's life
+        m_progress.observe(control());
         request("writeSerialNumber", done, &Interface::writeSerialNumber, serialNumber);
     }
 
@@ -163,9 +194,7 @@ public:
     void removeObserver(Observer* observer) override { control().removeObserver(observer); }
 
 private:
-    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { host().onProgress(); }
-
-    std::once_flag m_observed;
+    SerialNumberProgress m_progress{host()};
 };
 
 class UsbIdentity final : public Decorated<sdk::service::IMemoryUsbIdControl> {

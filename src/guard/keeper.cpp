@@ -42,9 +42,7 @@ bool isSame(const std::weak_ptr<void>& one, const std::shared_ptr<void>& other)
 
 Keeper& Keeper::instance()
 {
-    Watchdog::instance(); // which the decorations let go of at the end
-    static Keeper keeper;
-    return keeper;
+    return immortal<Keeper>();
 }
 
 std::shared_ptr<void> Keeper::decorated(const std::shared_ptr<void>& control, sdk::Key key,

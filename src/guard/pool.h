@@ -15,7 +15,7 @@ class Pool {
 public:
     static Type& take()
     {
-        if (auto* const call = std::exchange(s_atHand.call, nullptr))
+        if (auto* const call = std::exchange(s_atHand, nullptr))
             return *call;
         if (auto* const call = shared().take())
             return *call;
@@ -27,10 +27,10 @@ public:
 
     static void giveBack(Type& call)
     {
-        if (s_atHand.call)
-            shared().giveBack(call);
-        else
-            s_atHand.call = &call;
+        if (s_atHand)
+            return shared().giveBack(call);
+        s_atHand = &call;
+        static thread_local const AtThreadEnd giveBackToo;
     }
 
 private:
@@ -55,25 +55,20 @@ private:
         std::vector<Type*> free TARN_GUARDED_BY(mutex);
     };
 
-    struct AtHand {
-        AtHand() = default;
-        AtHand(const AtHand&) = delete;
-        AtHand& operator=(const AtHand&) = delete;
-        ~AtHand()
+    struct AtThreadEnd {
+        AtThreadEnd() = default;
+        AtThreadEnd(const AtThreadEnd&) = delete;
+        AtThreadEnd& operator=(const AtThreadEnd&) = delete;
+        ~AtThreadEnd()
         {
-            if (call)
-                shared().giveBack(*call);
+            if (s_atHand)
+                shared().giveBack(*std::exchange(s_atHand, nullptr));
         }
-        Type* call = nullptr;
     };
 
-    static Shared& shared()
-    {
-        static Shared shared;
-        return shared;
-    }
+    static Shared& shared() { return immortal<Shared>(); }
 
-    static inline thread_local AtHand s_atHand;
+    static inline thread_local Type* s_atHand = nullptr;
 };
 
 } // namespace tarn::guard

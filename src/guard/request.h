@@ -18,12 +18,12 @@ public:
     /// Makes a request: `operation(completion)` hands it to the device, with a completion that ends in `done` once.
     /// What the operation throws passes through, and `done` is not called then, unless the device has called it before.
     template <class Operation>
-    static void make(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view name, Done done,
+    static void make(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view name, Done& done,
                      Operation operation)
     {
         auto& call = Pool<Request>::take();
         call.prepare(host, control, name);
-        call.m_done = std::move(done);
+        call.m_done.swap(done);
         try {
             Done completion{Completer{call}};
             call.start();
@@ -39,10 +39,9 @@ private:
     /// What the device has of a call.
     class Completer {
     public:
-        explicit Completer(Request& call)
+        explicit Completer(Request& call) noexcept
             : m_call{&call}
         {
-            call.retain();
         }
         Completer(const Completer& other)
             : m_call{other.m_call}
@@ -78,8 +77,11 @@ private:
         else
             m_done({}, error);
     }
-    void forget() override { m_done = nullptr; }
-    void recycle() override { Pool<Request>::giveBack(*this); }
+    void recycle() override
+    {
+        m_done = nullptr;
+        Pool<Request>::giveBack(*this);
+    }
 
     Done m_done;
 };

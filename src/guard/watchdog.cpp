@@ -13,7 +13,14 @@ constexpr std::chrono::milliseconds longest = std::chrono::hours{1};
 
 Watchdog& Watchdog::instance()
 {
-    static Watchdog watchdog;
+    struct Stop {
+        Stop() = default;
+        Stop(const Stop&) = delete;
+        Stop& operator=(const Stop&) = delete;
+        ~Stop() { immortal<Watchdog>().stop(); }
+    };
+    auto& watchdog = immortal<Watchdog>();
+    static const Stop atExit;
     return watchdog;
 }
 
@@ -22,7 +29,7 @@ Watchdog::Watchdog()
 {
 }
 
-Watchdog::~Watchdog()
+void Watchdog::stop()
 {
     {
         const utils::MutexLock lock{m_mutex};

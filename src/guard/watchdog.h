@@ -17,13 +17,24 @@ namespace tarn::guard {
 
 class Call;
 
-/// Looks at all requests of the program now and then, and ends those that take too long. There is one; its thread runs
-/// from the first guarded device to the end of the program. Thread-safe.
+/// An object for the whole program, also for what is destroyed after everything else.
+template <class Type>
+[[nodiscard]] Type& immortal()
+{
+    static auto* const object = new Type; // NOLINT(cppcoreguidelines-owning-memory)
+    return *object;
+}
+
+/// Looks at all requests of the program now and then, and ends those that take too long. Thread-safe.
 class Watchdog {
 public:
     using Ticks = std::uint64_t; ///< milliseconds of a clock that is cheap to read and a little slow
 
+    /// The only one. Looks from the first call on, until the program has left `main`.
     static Watchdog& instance();
+
+    Watchdog();
+    ~Watchdog() = delete;
 
     /// The time, as of the last look.
     [[nodiscard]] static Ticks now() { return s_now.load(std::memory_order_relaxed); }
@@ -42,10 +53,8 @@ public:
     Watchdog& operator=(const Watchdog&) = delete;
 
 private:
-    Watchdog();
-    ~Watchdog();
-
     void run();
+    void stop();
 
     static inline std::atomic<Ticks> s_now = 1;
 
