@@ -14,6 +14,7 @@ enum class Error {
 
 [[nodiscard]] TARN_GUARD_EXPORT const std::error_category& errorCategory() noexcept;
 
+// NOLINTNEXTLINE(readability-identifier-naming): the standard library looks for this name
 [[nodiscard]] inline std::error_code make_error_code(Error error) noexcept
 {
     return {static_cast<int>(error), errorCategory()};

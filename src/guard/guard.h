@@ -49,7 +49,7 @@ struct Options {
     /// later.
     std::chrono::milliseconds limit = std::chrono::seconds{30};
 
-    std::shared_ptr<IBreachObserver> observer = {}; ///< may be null
+    std::shared_ptr<IBreachObserver> observer; ///< may be null
 };
 
 /// `device` behind a guard. It hands out the controls of `device`; in those whose requests end in a completion the

@@ -73,7 +73,8 @@ void Watchdog::run()
     while (!m_stop) {
         const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
         s_now.store(1 + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
-        for (std::size_t i = 0; i < m_calls.size(); ++i) { // others may be added meanwhile
+        // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
+        for (std::size_t i = 0; i < m_calls.size(); ++i) {
             auto& call = *m_calls[i];
             m_mutex.unlock();
             call.look();

@@ -254,7 +254,7 @@ TEST_F(GuardBehaviours, SaysThatAnOperationDoesNotReturnWhileAnotherSucceeds)
 
 TEST_F(GuardBehaviours, NeedsNoObserver)
 {
-    guarded = tarn::guard::guarded(device, {.limit = shortLimit});
+    guarded = tarn::guard::guarded(device, {shortLimit, nullptr});
     offer([](const FilesDone& /*done*/) { });
     EXPECT_EQ(fileList().code, Error::Dropped);
 }

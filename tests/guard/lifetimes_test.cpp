@@ -131,7 +131,7 @@ TEST_F(GuardLifetimes, LetsGoOfTheObserverWithTheLastControl)
     EXPECT_FALSE(log.expired());
     device->drop(FileMemory::key);
     held.reset();
-    tarn::guard::guarded(device, {}).reset(); // any that ends looks what has gone
+    tarn::guard::guarded(device, {shortLimit, nullptr}).reset(); // any that ends looks what has gone
     EXPECT_TRUE(log.expired());
 }
 
