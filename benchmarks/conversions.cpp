@@ -11,7 +11,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -201,20 +200,5 @@ void addAll()
 
 int main(int argc, char** argv)
 {
-    // What the command line says comes later and therefore counts.
-    char interleaved[] = "--benchmark_enable_random_interleaving=true";
-    char repetitions[] = "--benchmark_repetitions=30";
-    char seconds[] = "--benchmark_min_time=0.05";
-    char aggregates[] = "--benchmark_report_aggregates_only=true";
-    std::vector<char*> arguments{argv[0], interleaved, repetitions, seconds, aggregates};
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
-    int argumentCount = static_cast<int>(arguments.size());
-    benchmark::Initialize(&argumentCount, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
-        return EXIT_FAILURE;
-
-    tarn::benchmarks::addAll();
-    tarn::benchmarks::MedianRatios medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
-    return medians.areWithin(1.05) ? EXIT_SUCCESS : EXIT_FAILURE;
+    return tarn::benchmarks::runWithin(1.05, argc, argv, &tarn::benchmarks::addAll);
 }

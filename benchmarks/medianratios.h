@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <iostream>
 #include <map>
 #include <string>
@@ -36,7 +37,7 @@ public:
             if (!name.ends_with(suffix) || plain == m_medians.end())
                 continue;
             const double ratio = median / plain->second;
-            std::cout << subject << ": " << ratio << " times the plain loop, at most " << limit << '\n';
+            std::cout << subject << ": " << ratio << " times the plain way, at most " << limit << '\n';
             ++subjects;
             within += ratio <= limit ? 1 : 0;
         }
@@ -46,5 +47,26 @@ public:
 private:
     std::map<std::string, double> m_medians;
 };
+
+/// Runs the benchmarks that `addAll` registers, interleaved, and returns the exit code of a program whose ratios must
+/// not be above `limit`.
+inline int runWithin(double limit, int argc, char** argv, void (*addAll)())
+{
+    // What the command line says comes later and therefore counts.
+    char interleaved[] = "--benchmark_enable_random_interleaving=true";
+    char repetitions[] = "--benchmark_repetitions=30";
+    char seconds[] = "--benchmark_min_time=0.05";
+    char aggregates[] = "--benchmark_report_aggregates_only=true";
+    std::vector<char*> arguments{argv[0], interleaved, repetitions, seconds, aggregates};
+    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    int argumentCount = static_cast<int>(arguments.size());
+    benchmark::Initialize(&argumentCount, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
+        return EXIT_FAILURE;
+    addAll();
+    MedianRatios medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    return medians.areWithin(limit) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
 
 } // namespace tarn::benchmarks

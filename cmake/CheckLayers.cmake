@@ -9,7 +9,7 @@ set(vna "vna")
 set(devices/service "devices/service;devices;utils;vna;sdk")
 set(devices "devices;utils;vna;sdk")
 set(provider "provider;sdk")
-set(guard "guard;sdk")
+set(guard "guard;sdk;utils")
 set(simulator "simulator;provider;sdk;utils")
 set(console "console;devices/service;devices;guard;provider;utils;vna;sdk")
 set(rooms sdk utils vna devices/service devices provider guard simulator console) # the inner ones first

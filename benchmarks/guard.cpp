@@ -1,0 +1,66 @@
+// What the guard costs a request that the device completes before the operation returns: a serial number read through
+// the adapter, from a guarded device against the bare one. Exits with 1 if the guarded call takes more than 1.15 times
+// as long. The two run interleaved; the medians of the repetitions count.
+
+#include "medianratios.h"
+
+#include <devices/service/sdkserialnumbercontrol.h>
+#include <guard/guard.h>
+
+#include <memory>
+
+namespace tarn::benchmarks {
+namespace {
+
+using Sdk = sdk::service::IMemorySerialNumberControl;
+using Adapter = devices::service::SdkSerialNumberControl;
+
+class Answering final : public Sdk {
+public:
+    bool isAvailable() override { return true; }
+    void serialNumber(sdk::Completion<unsigned int> completion) override { completion(1'000'001, {}); }
+    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> completion) override { completion({}); }
+    void addObserver(Observer* /*observer*/) override { }
+    void removeObserver(Observer* /*observer*/) override { }
+};
+
+/// Has a serial number and nothing else.
+class Device final : public sdk::IVna {
+public:
+    std::shared_ptr<void> control(sdk::Key key) override { return key == Sdk::key ? m_serial : nullptr; }
+    void addObserver(Observer* /*observer*/) override { }
+    void removeObserver(Observer* /*observer*/) override { }
+    [[nodiscard]] sdk::Model model() const override { return sdk::Model{"Benchmark"}; }
+
+private:
+    std::shared_ptr<Sdk> m_serial = std::make_shared<Answering>();
+};
+
+std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
+{
+    return std::make_shared<Adapter>(
+        devices::ReacquiringControl<Sdk>{[device] { return sdk::ControlHandle<Sdk>{device->control<Sdk>(Sdk::key)}; }});
+}
+
+void add(const char* name, const std::shared_ptr<Adapter>& adapter)
+{
+    benchmark::RegisterBenchmark(name, [adapter](benchmark::State& state) {
+        for ([[maybe_unused]] const auto iteration : state)
+            benchmark::DoNotOptimize(adapter->serialNumber());
+    });
+}
+
+void addAll()
+{
+    const auto device = std::make_shared<Device>();
+    add("a request that ends at once/plain", adapterOf(device));
+    add("a request that ends at once/library", adapterOf(guard::guarded(device, {})));
+}
+
+} // namespace
+} // namespace tarn::benchmarks
+
+int main(int argc, char** argv)
+{
+    return tarn::benchmarks::runWithin(1.15, argc, argv, &tarn::benchmarks::addAll);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <guard/export.h>
+#include <sdk/ivna.h>
+#include <sdk/key.h>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+/// A layer that a host can put between itself and a device that may break the contract: it keeps a caller from waiting
+/// for ever, and from being called back when nobody waits any more.
+namespace tarn::guard {
+
+/// What a device did with a request against the contract of `sdk::Completion`.
+enum class Breach : std::uint8_t {
+    CompletedAgain, ///< called the completion once more
+    CompletedLate, ///< called it after the time-out
+    CompletedAndThrew, ///< called it, and the operation threw
+    Dropped, ///< gave all its copies of it up uncalled: the caller got `Error::Dropped`
+    TimedOut, ///< has not called it within the limit: the caller got `Error::TimedOut`
+    NotReturned, ///< as `TimedOut`, and the operation itself has not returned: its caller goes on waiting
+};
+
+/// One breach. The request is named by the interface's key and the operation.
+struct BreachReport {
+    Breach breach;
+    sdk::Key control;
+    std::string_view operation; ///< "readFile"; lasts as long as the program
+    unsigned completions; ///< of this request so far, this one included
+};
+
+/// Learns of breaches.
+class TARN_GUARD_EXPORT IBreachObserver {
+public:
+    IBreachObserver() = default;
+    IBreachObserver(const IBreachObserver&) = delete;
+    IBreachObserver& operator=(const IBreachObserver&) = delete;
+    virtual ~IBreachObserver() = default;
+
+    /// Called on the thread that noticed: one of the device, the caller's, or the guard's own. Several may call at
+    /// once; no lock is held. A request that the guard ends has not ended yet: its caller waits for this to return.
+    virtual void onBreach(const BreachReport& report) noexcept = 0;
+};
+
+struct Options {
+    /// How long a request may take without progress of any operation of the device. It is noticed up to an eighth of it
+    /// later.
+    std::chrono::milliseconds limit = std::chrono::seconds{30};
+
+    std::shared_ptr<IBreachObserver> observer; ///< may be null
+};
+
+/// `device` behind a guard. It hands out the controls of `device`; in those whose requests end in a completion the
+/// first completion of a request wins, and a request that is not completed ends with an `Error`. All other calls reach
+/// the control as they are, and all other controls are the device's own.
+///
+/// A handle to a guarded control lives and dies with the device's control. Guarded controls can be used after the
+/// guarded device has gone, as far as those of `device` can.
+///
+/// Threads: thread-safe, as the device. A call that is held up inside the device stays held up: the observer learns of
+/// it, and what the device completes later is harmless.
+[[nodiscard]] TARN_GUARD_EXPORT std::shared_ptr<sdk::IVna> guarded(std::shared_ptr<sdk::IVna> device, Options options);
+
+} // namespace tarn::guard

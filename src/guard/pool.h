@@ -1,0 +1,74 @@
+#pragma once
+
+#include <guard/watchdog.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace tarn::guard {
+
+/// The free calls of one type. Each thread keeps one at hand, so that a request that is completed before the operation
+/// returns takes no lock. Thread-safe.
+template <class Type>
+class Pool {
+public:
+    static Type& take()
+    {
+        if (auto* const call = std::exchange(s_atHand, nullptr))
+            return *call;
+        if (auto* const call = shared().take())
+            return *call;
+        auto made = std::make_unique<Type>();
+        auto& call = *made;
+        Watchdog::instance().add(std::move(made));
+        return call;
+    }
+
+    static void giveBack(Type& call)
+    {
+        if (s_atHand)
+            return shared().giveBack(call);
+        s_atHand = &call;
+        static thread_local const AtThreadEnd giveBackToo;
+    }
+
+private:
+    struct Shared {
+        Type* take()
+        {
+            const utils::MutexLock lock{mutex};
+            if (free.empty())
+                return nullptr;
+            auto* const call = free.back();
+            free.pop_back();
+            return call;
+        }
+
+        void giveBack(Type& call)
+        {
+            const utils::MutexLock lock{mutex};
+            free.push_back(&call);
+        }
+
+        utils::Mutex mutex;
+        std::vector<Type*> free TARN_GUARDED_BY(mutex);
+    };
+
+    struct AtThreadEnd {
+        AtThreadEnd() = default;
+        AtThreadEnd(const AtThreadEnd&) = delete;
+        AtThreadEnd& operator=(const AtThreadEnd&) = delete;
+        ~AtThreadEnd()
+        {
+            if (s_atHand)
+                shared().giveBack(*std::exchange(s_atHand, nullptr));
+        }
+    };
+
+    static Shared& shared() { return immortal<Shared>(); }
+
+    static inline thread_local Type* s_atHand = nullptr;
+};
+
+} // namespace tarn::guard

@@ -1,0 +1,89 @@
+#include <guard/watchdog.h>
+
+#include <guard/call.h>
+
+namespace tarn::guard {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds longest = std::chrono::hours{1};
+
+} // namespace
+
+Watchdog& Watchdog::instance()
+{
+    struct Stop {
+        Stop() = default;
+        Stop(const Stop&) = delete;
+        Stop& operator=(const Stop&) = delete;
+        ~Stop() { immortal<Watchdog>().stop(); }
+    };
+    auto& watchdog = immortal<Watchdog>();
+    static const Stop atExit;
+    return watchdog;
+}
+
+Watchdog::Watchdog()
+    : m_thread{[this] { run(); }}
+{
+}
+
+void Watchdog::stop()
+{
+    {
+        const utils::MutexLock lock{m_mutex};
+        m_stop = true;
+    }
+    m_changed.notify_all();
+    m_thread.join();
+}
+
+void Watchdog::watch(std::chrono::milliseconds limit)
+{
+    {
+        const utils::MutexLock lock{m_mutex};
+        m_limits.insert(limit);
+    }
+    m_changed.notify_all();
+}
+
+void Watchdog::release(std::chrono::milliseconds limit)
+{
+    const utils::MutexLock lock{m_mutex};
+    m_limits.erase(m_limits.find(limit));
+}
+
+Call& Watchdog::add(std::unique_ptr<Call> call)
+{
+    const utils::MutexLock lock{m_mutex};
+    return *m_calls.emplace_back(std::move(call));
+}
+
+std::size_t Watchdog::calls() const
+{
+    const utils::MutexLock lock{m_mutex};
+    return m_calls.size();
+}
+
+void Watchdog::run()
+{
+    const auto start = Clock::now();
+    m_mutex.lock();
+    while (!m_stop) {
+        const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+        s_now.store(1 + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
+        // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
+        for (std::size_t i = 0; i < m_calls.size(); ++i) {
+            auto& call = *m_calls[i];
+            m_mutex.unlock();
+            call.look();
+            m_mutex.lock();
+        }
+        const auto interval = m_limits.empty() ? longest : lookInterval(*m_limits.begin());
+        m_changed.wait_for(m_mutex, interval);
+    }
+    m_mutex.unlock();
+}
+
+} // namespace tarn::guard
