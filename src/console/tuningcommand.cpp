@@ -30,6 +30,16 @@ void addExample(CLI::App& command, const Tuning& tuning, std::string_view words)
     CommandLine::addExamples(command, {fmt::format("{} {}", tuning.name, words)});
 }
 
+/// Has the words after `verb` completed.
+void addCandidates(CommandLine& line, const CLI::App& verb, const Tuning& tuning)
+{
+    line.addCandidates(verb, [&tuning, name = verb.get_name()](std::span<const std::string> given) {
+        std::vector<std::string> words{name};
+        words.insert(words.end(), given.begin(), given.end());
+        return tuning.candidates(words);
+    });
+}
+
 void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
 {
     line.addVerb(noun, "show", "Show all settings with their units and limits",
@@ -39,6 +49,7 @@ void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
     auto& get = line.addVerb(noun, "get", "Show the value of a setting",
                              [&tuning, name](Session& session) { tuningverbs::get(session, tuning, *name); });
     get.add_option("NAME", *name, "The setting")->required();
+    addCandidates(line, get, tuning);
     addExample(get, tuning, fmt::format("get {}", tuning.settings.front().name));
     addList(get, "Settings", tuning.described());
 
@@ -49,6 +60,7 @@ void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
            "NAME-and-VALUE", [words](const std::vector<std::string>& given) { *words = given; },
            "The setting and its value: a name, a number, or a number with its unit; then more of them")
         ->required();
+    addCandidates(line, set, tuning);
     addExample(set, tuning, fmt::format("set {}", tuning.example));
     auto changeable = tuning.described();
     std::erase_if(changeable, &Setting::isReadOnly);
@@ -63,6 +75,7 @@ void addLoad(CommandLine& line, CLI::App& noun, const Tuning& tuning)
     load.add_option("TABLE", options->table, "The table")->required();
     load.add_option("FILE", options->path, "The local file with its bytes; '-' is standard input")->required();
     options->confirmation.addTo(load);
+    addCandidates(line, load, tuning);
     addExample(load, tuning, fmt::format("load {} table.bin", tuning.tables.front().name));
     addList(load, "Tables", tuning.tables);
 }

@@ -39,6 +39,16 @@ TEST_F(CompletionCommandTest, GivesProposalsAsJson)
               (QJsonArray{QStringLiteral("off"), QStringLiteral("on")}));
 }
 
+TEST_F(CompletionCommandTest, ProposesSettingsTheirValuesAndTables)
+{
+    EXPECT_EQ(run(words("completion words -- quill-power get lo-")).out, "lo-power\n");
+    EXPECT_EQ(run(words("completion words -- quill-power set discrete-attenuator-enabled o")).out, "off\non\n");
+    EXPECT_EQ(run(words("completion words -- quill-power set lo-power 7 synt-power-mode ")).out, "high\nnormal\n");
+    EXPECT_EQ(run(words("completion words -- dorn-power load p")).out, "power-calibration\n");
+    EXPECT_EQ(run(words("completion words -- dorn-power load power-calibration f")).out, "");
+    EXPECT_EQ(run(words("completion words -- quill-power set min-")).out, ""); // can only be shown
+}
+
 TEST_F(CompletionCommandTest, ServesBash)
 {
     EXPECT_EQ(proposedByBash({QStringLiteral("files"), QStringLiteral("re")}), QStringList{QStringLiteral("read")});
