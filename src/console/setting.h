@@ -108,15 +108,8 @@ public:
     static Setting setting(std::string name, std::string purpose, SettingForm form, Getter getter, Setter setter)
     {
         using Type = typename Plain<std::invoke_result_t<Getter, const Control&>>::Type;
-        Limits limits;
-        if constexpr (std::is_arithmetic_v<Type>)
-            limits.lower = 0;
-        if constexpr (std::is_integral_v<Type>)
-            limits.upper = std::numeric_limits<Type>::max();
-        if constexpr (std::is_same_v<Type, utils::Range<double>>)
-            limits.lower = 0;
         return setting(std::move(name), std::move(purpose), std::move(form), getter, setter,
-                       [limits](const std::any&) { return limits; });
+                       [](const std::any&) { return limitsOf<Type>(); });
     }
 
     /// A setting whose limits the instrument knows.
@@ -196,6 +189,17 @@ public:
     static Control& of(const std::any& control) { return *std::any_cast<const std::shared_ptr<Control>&>(control); }
 
 private:
+    template <class Type>
+    static Limits limitsOf()
+    {
+        if constexpr (std::is_integral_v<Type>)
+            return {.lower = 0, .upper = std::numeric_limits<Type>::max()};
+        else if constexpr (std::is_enum_v<Type>)
+            return {};
+        else
+            return {.lower = 0};
+    }
+
     template <class Value>
     struct Plain {
         using Type = Value;
