@@ -1,6 +1,5 @@
 #include <simulator/calibrationslot.h>
 
-#include <QCryptographicHash>
 #include <QJsonObject>
 
 #include <utility>
@@ -71,7 +70,7 @@ QByteArray CalibrationSlot::load() const
 
 std::error_code CalibrationSlot::save(const QByteArray& bytes) const
 {
-    const auto digest = QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+    const auto digest = Storage::digestOf(bytes);
     return m_storage.save(m_section, QJsonObject{{QStringLiteral("sha256"), digest}}, {{digest, bytes}});
 }
 

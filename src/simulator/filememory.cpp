@@ -2,7 +2,6 @@
 
 #include <simulator/error.h>
 
-#include <QCryptographicHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QStringDecoder>
@@ -95,11 +94,6 @@ namespace {
 
 const QString sectionName = QStringLiteral("files");
 
-QString digestOf(const QByteArray& bytes)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
-}
-
 std::error_code save(Storage& storage, const FileStore::Files& files)
 {
     QJsonArray section;
@@ -107,7 +101,7 @@ std::error_code save(Storage& storage, const FileStore::Files& files)
     for (const auto& [name, contents] : files) {
         const QByteArray bytes{reinterpret_cast<const char*>(contents->data()),
                                static_cast<qsizetype>(contents->size())};
-        const auto digest = digestOf(bytes);
+        const auto digest = Storage::digestOf(bytes);
         section.append(QJsonObject{{QStringLiteral("name"), QString::fromStdString(name)},
                                    {QStringLiteral("size"), bytes.size()},
                                    {QStringLiteral("sha256"), digest}});

@@ -1,6 +1,5 @@
 #include <simulator/flashmemory.h>
 
-#include <QCryptographicHash>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -109,7 +108,7 @@ std::error_code FlashMemory::save(Storage& storage) const
     QString checksums;
     for (const auto checksum : m_checksums)
         checksums += QStringLiteral("%1").arg(checksum, 8, 16, QLatin1Char{'0'});
-    const auto digest = QString::fromLatin1(QCryptographicHash::hash(m_written, QCryptographicHash::Sha256).toHex());
+    const auto digest = Storage::digestOf(m_written);
     const QJsonObject section{{capacityKey, savedCapacity},
                               {QStringLiteral("length"), static_cast<double>(m_length)},
                               {QStringLiteral("checksums"), checksums},

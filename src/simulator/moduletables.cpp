@@ -1,6 +1,5 @@
 #include <simulator/moduletables.h>
 
-#include <QCryptographicHash>
 #include <QJsonObject>
 
 #include <stdexcept>
@@ -29,11 +28,6 @@ constexpr std::array<Kind, ModuleTables::count> kinds{{
 std::size_t indexOf(ModuleTables::Table table)
 {
     return static_cast<std::size_t>(table);
-}
-
-QString digestOf(const QByteArray& bytes)
-{
-    return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
 } // namespace
@@ -77,7 +71,7 @@ void ModuleTables::store(Table table, const Contents& contents)
         if (tables[i].empty())
             continue;
         const auto bytes = QByteArrayView{tables[i]}.toByteArray();
-        const auto digest = digestOf(bytes);
+        const auto digest = Storage::digestOf(bytes);
         section[QLatin1StringView{kinds[i].name}] = QJsonObject{{QStringLiteral("sha256"), digest}};
         blocks.insert(digest, bytes);
     }

@@ -4,7 +4,6 @@
 #include <simulator/platform.h>
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -167,7 +166,7 @@ QByteArray StateFolder::block(const QString& digest) const
     if (!file.open(QIODevice::ReadOnly))
         throw StateError{file.fileName(), QStringLiteral("it cannot be read: %1").arg(file.errorString())};
     const auto contents = file.readAll();
-    if (QCryptographicHash::hash(contents, QCryptographicHash::Sha256).toHex() != digest.toLatin1())
+    if (digestOf(contents) != digest)
         throw StateError{file.fileName(), QStringLiteral("it is damaged: its contents have changed")};
     return contents;
 }

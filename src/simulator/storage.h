@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCryptographicHash>
 #include <QHash>
 #include <QJsonValue>
 #include <QString>
@@ -32,6 +33,12 @@ class Storage {
 public:
     /// Blocks by their digests.
     using Blocks = QHash<QString, QByteArray>;
+
+    /// What a block of these bytes is called.
+    [[nodiscard]] static QString digestOf(const QByteArray& bytes)
+    {
+        return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
+    }
 
     Storage() = default;
     Storage(const Storage&) = delete;
