@@ -81,9 +81,10 @@ QJsonArray toJson(const std::vector<double>& values)
     return array;
 }
 
-QJsonValue finite(double value)
+/// Whether the upper limit says something of the instrument: that of a whole number of the language's does not.
+bool hasUpper(const Limits& limits)
 {
-    return std::isfinite(value) ? QJsonValue{value} : QJsonValue{};
+    return std::isfinite(limits.upper) && limits.upper != std::numeric_limits<int>::max();
 }
 
 // ---- from text
@@ -219,7 +220,7 @@ std::string acceptedText(const Reading& reading)
     if (!std::isfinite(limits.lower))
         return {};
     const auto lower = quantityText(limits.lower, setting.form.unit);
-    if (!std::isfinite(limits.upper))
+    if (!hasUpper(limits))
         return fmt::format("{} or more", lower);
     return fmt::format("{} to {}", lower, quantityText(limits.upper, setting.form.unit));
 }
@@ -258,7 +259,8 @@ QJsonObject json(const Reading& reading)
     } else if (std::isfinite(limits.lower)) {
         object.insert(
             QStringLiteral("limits"),
-            QJsonObject{{QStringLiteral("minimum"), limits.lower}, {QStringLiteral("maximum"), finite(limits.upper)}});
+            QJsonObject{{QStringLiteral("minimum"), limits.lower},
+                        {QStringLiteral("maximum"), hasUpper(limits) ? QJsonValue{limits.upper} : QJsonValue{}}});
     }
     return object;
 }

@@ -135,12 +135,12 @@ void tourTuning(Tour& tour, const Tuning& tuning)
     tour.restoring(
         [&] {
             tuningverbs::assign(instrument, tuning, {{reading, *other}});
-            show("set", reading, *other);
+            show(fmt::format("set {}", tuning.harmless), reading, *other);
         },
         [&] { tuningverbs::assign(instrument, tuning, {{reading, reading.value}}); },
         {fmt::format("{} may still be {}", tuning.harmless, after),
          fmt::format("'tarn-service {} set {} {}' puts it back", tuning.name, tuning.harmless, before)});
-    show("set back", reading, reading.value);
+    show("put back", reading, reading.value);
 }
 
 } // namespace tarn::console

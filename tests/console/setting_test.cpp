@@ -44,6 +44,17 @@ TEST(Setting, TakesACodeWithinItsLimits)
                     HasSubstr("is not a whole number, decimal or hexadecimal (0x1F); it takes 8 to 20"));
 }
 
+TEST(Setting, NamesNoUpperLimitThatTheInstrumentHasNot)
+{
+    const auto most = std::numeric_limits<int>::max();
+    const auto reading = of(code(), {.lower = 0, .upper = most});
+    EXPECT_EQ(acceptedText(reading), "0 or more");
+    EXPECT_TRUE(json(reading)[QStringLiteral("limits")].toObject()[QStringLiteral("maximum")].isNull());
+    EXPECT_EQ(parsed(reading, "2147483647"), "2147483647");
+    EXPECT_THAT(parsed(reading, "2147483648"), HasSubstr("is out of the limits"));
+    EXPECT_EQ(acceptedText(of(code(), {.lower = 0, .upper = most - 1})), "0 to 2147483646");
+}
+
 TEST(Setting, TakesACodeOfItsList)
 {
     const auto reading = of(code(), {.list = List{0, 6, 12}});
