@@ -135,6 +135,12 @@ bool isTerminal(Stream stream)
     return ::isatty(descriptorOf(stream)) == 1;
 }
 
+bool isOutputClosed()
+{
+    pollfd output{STDOUT_FILENO, 0, 0};
+    return ::poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP)) != 0;
+}
+
 int columns(Stream stream)
 {
     winsize size{};

@@ -23,6 +23,9 @@ void prepare();
 /// The columns of a terminal; 80 for one that does not tell.
 [[nodiscard]] int columns(Stream stream);
 
+/// Whether nobody will read what is written to standard output any more.
+[[nodiscard]] bool isOutputClosed();
+
 /// Writes all of `bytes` at once, unbuffered.
 [[nodiscard]] std::error_code write(Stream stream, std::string_view bytes);
 

@@ -81,12 +81,6 @@ QJsonArray toJson(const std::vector<double>& values)
     return array;
 }
 
-/// Whether the upper limit says something of the instrument: that of a whole number of the language's does not.
-bool hasUpper(const Limits& limits)
-{
-    return std::isfinite(limits.upper) && limits.upper != std::numeric_limits<int>::max();
-}
-
 // ---- from text
 
 std::string notUnderstood(const Reading& reading, std::string_view text, std::string_view form)
@@ -98,6 +92,10 @@ std::string notUnderstood(const Reading& reading, std::string_view text, std::st
 
 std::string outOfLimits(const Reading& reading, std::string_view text)
 {
+    const auto& [setting, value, limits] = reading;
+    if (limits.areOfType)
+        return fmt::format("{}: '{}' does not fit into it; it holds {} to {}", setting.name, text,
+                           quantityText(limits.lower, Unit::None), quantityText(limits.upper, Unit::None));
     return fmt::format("{}: '{}' is out of the limits; it takes {}", reading.setting.name, text, acceptedText(reading));
 }
 
@@ -161,8 +159,8 @@ Parsed parsePosition(const Reading& reading, const std::string& text)
 {
     const auto unit = reading.setting.form.unit;
     const auto list = reading.limits.list.value_or(std::vector<double>{});
-    if (const auto position = parseQuantity(text, Unit::None))
-        return at(list, *position) ? Parsed{*position} : std::unexpected{outOfLimits(reading, text)};
+    if (const auto position = parseQuantity(text, Unit::None); position && at(list, *position))
+        return *position;
     const auto value = parseQuantity(text, unit);
     if (!value)
         return std::unexpected{
@@ -183,8 +181,9 @@ Parsed parseRange(const Reading& reading, const std::string& text)
     if (!lower || !upper)
         return std::unexpected{notUnderstood(reading, text, fmt::format("LOWER..UPPER, each {}", numberForm(unit)))};
     if (*lower > *upper)
-        return std::unexpected{
-            fmt::format("{}: '{}' has its lower end above its upper one", reading.setting.name, text)};
+        return std::unexpected{fmt::format("{}: '{}' has its lower end, {}, above its upper one, {}",
+                                           reading.setting.name, text, quantityText(*lower, unit),
+                                           quantityText(*upper, unit))};
     if (!isWithin(reading.limits, *lower) || !isWithin(reading.limits, *upper))
         return std::unexpected{outOfLimits(reading, text)};
     return utils::Range<double>{*lower, *upper};
@@ -204,11 +203,18 @@ std::string valueText(const Reading& reading, const SettingValue& value)
     return "not set";
 }
 
+std::string formText(const SettingForm& form)
+{
+    if (const auto words = valueWords(form); !words.empty())
+        return joined(words, [](const std::string& word) { return word; });
+    return form.kind == Kind::Range ? fmt::format("LOWER..UPPER in {}", symbols(form.unit)) : symbols(form.unit);
+}
+
 std::string acceptedText(const Reading& reading)
 {
     const auto& [setting, value, limits] = reading;
-    if (const auto words = valueWords(setting.form); !words.empty())
-        return joined(words, [](const std::string& word) { return word; });
+    if (!valueWords(setting.form).empty())
+        return formText(setting.form);
     if (limits.list && limits.list->empty())
         return "nothing: the instrument lists none";
     if (limits.list && setting.form.kind == Kind::Position) {
@@ -217,16 +223,27 @@ std::string acceptedText(const Reading& reading)
     }
     if (limits.list)
         return listText(*limits.list, setting.form.unit);
-    if (!std::isfinite(limits.lower))
+    if (limits.areOfType || !std::isfinite(limits.lower))
         return {};
     const auto lower = quantityText(limits.lower, setting.form.unit);
-    if (!hasUpper(limits))
+    if (!std::isfinite(limits.upper))
         return fmt::format("{} or more", lower);
     return fmt::format("{} to {}", lower, quantityText(limits.upper, setting.form.unit));
 }
 
-QJsonValue valueJson(const SettingForm& form, const SettingValue& value)
+std::string valueWord(const Reading& reading, const SettingValue& value)
 {
+    const auto* const number = std::get_if<double>(&value);
+    if (number && reading.setting.form.kind == Kind::Position)
+        return quantityText(*number, Unit::None);
+    auto word = valueText(reading, value);
+    std::erase(word, ' ');
+    return word;
+}
+
+QJsonValue valueJson(const Reading& reading, const SettingValue& value)
+{
+    const auto& form = reading.setting.form;
     if (const auto* const range = std::get_if<utils::Range<double>>(&value))
         return QJsonObject{{QStringLiteral("lower"), range->lower}, {QStringLiteral("upper"), range->upper}};
     if (const auto* const list = std::get_if<std::vector<double>>(&value))
@@ -236,6 +253,10 @@ QJsonValue valueJson(const SettingForm& form, const SettingValue& value)
         return {};
     if (form.kind == Kind::Switch)
         return *number != 0;
+    if (form.kind == Kind::Position) {
+        const auto there = at(reading.limits.list, *number);
+        return there ? QJsonValue{*there} : QJsonValue{};
+    }
     if (const auto name = nameOf(form, *number))
         return toJson(*name);
     return *number;
@@ -246,7 +267,7 @@ QJsonObject json(const Reading& reading)
     const auto& [setting, value, limits] = reading;
     const auto unit = symbol(setting.form.unit);
     QJsonObject object{{QStringLiteral("name"), toJson(setting.name)},
-                       {QStringLiteral("value"), valueJson(setting.form, value)},
+                       {QStringLiteral("value"), valueJson(reading, value)},
                        {QStringLiteral("unit"), unit.empty() ? QJsonValue{} : toJson(unit)},
                        {QStringLiteral("readOnly"), setting.isReadOnly()}};
     if (limits.list) {
@@ -256,12 +277,13 @@ QJsonObject json(const Reading& reading)
         for (const auto& word : words)
             choices.append(setting.form.kind == Kind::Switch ? QJsonValue{word == "on"} : toJson(word));
         object.insert(QStringLiteral("choices"), choices);
-    } else if (std::isfinite(limits.lower)) {
-        object.insert(
-            QStringLiteral("limits"),
-            QJsonObject{{QStringLiteral("minimum"), limits.lower},
-                        {QStringLiteral("maximum"), hasUpper(limits) ? QJsonValue{limits.upper} : QJsonValue{}}});
+    } else if (!limits.areOfType && std::isfinite(limits.lower)) {
+        const auto upper = std::isfinite(limits.upper) ? QJsonValue{limits.upper} : QJsonValue{};
+        object.insert(QStringLiteral("limits"),
+                      QJsonObject{{QStringLiteral("minimum"), limits.lower}, {QStringLiteral("maximum"), upper}});
     }
+    if (const auto* const number = std::get_if<double>(&value); number && setting.form.kind == Kind::Position)
+        object.insert(QStringLiteral("position"), *number);
     return object;
 }
 

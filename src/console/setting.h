@@ -48,6 +48,7 @@ struct Limits {
     double lower = -std::numeric_limits<double>::infinity();
     double upper = std::numeric_limits<double>::infinity();
     std::optional<std::vector<double>> list = std::nullopt; ///< the only values; nothing if there is no such list
+    bool areOfType = false; ///< the library's type holds no others; what the instrument takes only it knows
 };
 
 /// One setting of a control. The control is handed over as a `std::any` that holds a `std::shared_ptr` to it.
@@ -69,21 +70,27 @@ struct Reading {
     Limits limits;
 };
 
-/// `value` for people, as `parseSetting` takes it.
+/// `value` for people.
 [[nodiscard]] std::string valueText(const Reading& reading, const SettingValue& value);
 
 /// What the setting takes, for people: its names, its list, or its limits. Empty if there are none.
 [[nodiscard]] std::string acceptedText(const Reading& reading);
 
-/// `value` for machines: the name of a choice, a Boolean, a number in the base unit, `{"lower", "upper"}`, an array
-/// or null.
-[[nodiscard]] QJsonValue valueJson(const SettingForm& form, const SettingValue& value);
+/// `value` as a word of a command line, which `parseSetting` takes if it is set.
+[[nodiscard]] std::string valueWord(const Reading& reading, const SettingValue& value);
 
-/// A reading as `{"name", "value", "unit", "limits" or "choices", "readOnly"}`.
+/// `value` for machines: the name of a choice, a Boolean, a number in the base unit, `{"lower", "upper"}`, an array
+/// or null. Of a position what stands there, or null.
+[[nodiscard]] QJsonValue valueJson(const Reading& reading, const SettingValue& value);
+
+/// A reading as `{"name", "value", "unit", "limits" or "choices", "readOnly"}`, and of a position `"position"`.
 [[nodiscard]] QJsonObject json(const Reading& reading);
 
 /// The value that `text` spells, within the limits; or why there is none, as a sentence without its end.
 [[nodiscard]] std::expected<SettingValue, std::string> parseSetting(const Reading& reading, const std::string& text);
+
+/// How values of this form are written, for people: its words, or its units. Empty for a number.
+[[nodiscard]] std::string formText(const SettingForm& form);
 
 /// The words that a value of this form can be, if these are few: names, or on and off.
 [[nodiscard]] std::vector<std::string> valueWords(const SettingForm& form);
@@ -103,13 +110,14 @@ public:
                 [getter](const std::any& control) { return toValue(std::invoke(getter, of(control))); }};
     }
 
-    /// A setting that takes what its type takes, but no negative numbers.
+    /// A setting whose limits only the instrument knows. A frequency, a time and a capacitance are not negative.
     template <class Getter, class Setter>
     static Setting setting(std::string name, std::string purpose, SettingForm form, Getter getter, Setter setter)
     {
         using Type = typename Plain<std::invoke_result_t<Getter, const Control&>>::Type;
+        const auto limits = limitsOf<Type>(form.unit);
         return setting(std::move(name), std::move(purpose), std::move(form), getter, setter,
-                       [](const std::any&) { return limitsOf<Type>(); });
+                       [limits](const std::any&) { return limits; });
     }
 
     /// A setting whose limits the instrument knows.
@@ -190,11 +198,12 @@ public:
 
 private:
     template <class Type>
-    static Limits limitsOf()
+    static Limits limitsOf(Unit unit)
     {
+        using Bounds = std::numeric_limits<Type>;
         if constexpr (std::is_integral_v<Type>)
-            return {.lower = 0, .upper = std::numeric_limits<Type>::max()};
-        else if constexpr (std::is_enum_v<Type>)
+            return {.lower = Bounds::min(), .upper = Bounds::max(), .areOfType = true};
+        else if (std::is_enum_v<Type> || unit == Unit::Decibel)
             return {};
         else
             return {.lower = 0};

@@ -15,26 +15,45 @@ std::vector<Setting> Tuning::described() const
 
 std::vector<std::string> Tuning::candidates(std::span<const std::string> given) const
 {
-    std::vector<std::string> words;
     if (given.empty())
-        return words;
+        return {};
     const auto& verb = given.front();
     const auto arguments = given.subspan(1);
-    const bool isSet = verb == "set";
+    if (verb == "set")
+        return candidatesOfSet(arguments);
+    std::vector<std::string> words;
     if (verb == "load" && arguments.empty())
         std::ranges::transform(tables, std::back_inserter(words),
                                [](const TuningTable& table) { return std::string{table.name}; });
-    if (isSet && arguments.size() % 2 == 1) {
-        const auto setting = std::ranges::find(settings, arguments.back(), &Setting::name);
-        return setting == settings.end() ? words : valueWords(setting->form);
+    if (verb == "get" && arguments.empty())
+        std::ranges::transform(proposed(), std::back_inserter(words), &Setting::name);
+    return words;
+}
+
+std::vector<std::string> Tuning::candidatesOfSet(std::span<const std::string> given) const
+{
+    const auto all = proposed();
+    if (given.size() % 2 == 1) {
+        const auto setting = std::ranges::find(all, given.back(), &Setting::name);
+        return setting == all.end() ? std::vector<std::string>{} : valueWords(setting->form);
     }
-    if (isSet || (verb == "get" && arguments.empty())) {
-        for (const auto& setting : settings) {
-            if (!(isSet && setting.isReadOnly()))
-                words.push_back(setting.name);
-        }
+    std::vector<std::string> words;
+    for (const auto& setting : all) {
+        if (!setting.isReadOnly() && std::ranges::find(given, setting.name) == given.end())
+            words.push_back(setting.name);
     }
     return words;
+}
+
+std::vector<Setting> Tuning::proposed() const
+{
+    constexpr int rowCount = 10; // how many there are only the instrument knows
+    auto all = settings;
+    for (const auto& group : rows) {
+        for (int row = 0; row < rowCount; ++row)
+            std::ranges::move(group.settings(std::to_string(row), row), std::back_inserter(all));
+    }
+    return all;
 }
 
 std::vector<Reading> Tuning::read(const std::any& there) const

@@ -54,6 +54,12 @@ struct Tuning {
 
     /// What the control `there` shows of all settings.
     [[nodiscard]] std::vector<Reading> read(const std::any& there) const;
+
+private:
+    [[nodiscard]] std::vector<std::string> candidatesOfSet(std::span<const std::string> given) const;
+
+    /// The settings, with those of the first rows.
+    [[nodiscard]] std::vector<Setting> proposed() const;
 };
 
 /// A tuning of `Control`, still without anything to tune.

@@ -15,13 +15,24 @@ namespace tarn::console {
 
 namespace {
 
+std::string purposeText(const TuningTable& table)
+{
+    return std::string{table.purpose};
+}
+
+std::string purposeText(const Setting& setting)
+{
+    const auto form = formText(setting.form);
+    return form.empty() ? setting.purpose : fmt::format("{}: {}", setting.purpose, form);
+}
+
 /// Puts a list of names, each with its purpose, before what ends the help of `command`.
 template <class Items>
 void addList(CLI::App& command, std::string_view heading, const Items& items)
 {
     std::string list = fmt::format("\n{}:\n", heading);
     for (const auto& item : items)
-        list += fmt::format("  {:<32}{}\n", item.name, item.purpose);
+        list += fmt::format("  {:<32}{}\n", item.name, purposeText(item));
     command.footer(list + command.get_footer());
 }
 
@@ -117,7 +128,7 @@ void tourTuning(Tour& tour, const Tuning& tuning)
 {
     const auto& instrument = tour.instrument();
     const auto show = [&](std::string_view label, const Reading& reading, const SettingValue& value) {
-        tour.show(label, valueText(reading, value), valueJson(reading.setting.form, value));
+        tour.show(label, valueText(reading, value), valueJson(reading, value));
     };
     const auto all = tuningverbs::readings(instrument, tuning);
     for (const auto& reading : all)
@@ -128,7 +139,7 @@ void tourTuning(Tour& tour, const Tuning& tuning)
     const auto other = otherValue(reading);
     if (!other)
         return tour.say(fmt::format("{} has no other value, so it is not changed.", tuning.harmless));
-    const auto before = valueText(reading, reading.value);
+    const auto before = valueWord(reading, reading.value);
     const auto after = valueText(reading, *other);
     if (!tour.mayChange(fmt::format("set {} to {} for a moment", tuning.harmless, after)))
         return;

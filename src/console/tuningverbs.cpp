@@ -100,11 +100,25 @@ void send(const Instrument& instrument, const Tuning& tuning, const Assignment& 
     }
 }
 
+/// The words of a command line, where a unit after a blank belongs to what stands before it.
+std::vector<std::string> joined(const std::vector<std::string>& words)
+{
+    std::vector<std::string> all;
+    for (const auto& word : words) {
+        if (all.size() > 1 && isSymbol(word))
+            all.back() += word;
+        else
+            all.push_back(word);
+    }
+    return all;
+}
+
 /// What the words after `set` ask for, all of it checked.
 std::vector<Assignment> parse(const std::vector<Reading>& readings, const Tuning& tuning,
-                              const std::vector<std::string>& words)
+                              const std::vector<std::string>& given)
 {
     std::vector<Assignment> assignments;
+    const auto words = joined(given);
     for (std::size_t i = 0; i < words.size(); i += 2) {
         const auto& reading = find(readings, tuning, words[i]);
         const auto isThis = [&](const Assignment& other) { return nameOf(other.setting) == words[i]; };
@@ -113,8 +127,9 @@ std::vector<Assignment> parse(const std::vector<Reading>& readings, const Tuning
         if (std::ranges::any_of(assignments, isThis))
             throw Error{ErrorCode::Usage, fmt::format("{} is given twice", words[i]), "nothing was changed"};
         if (i + 1 == words.size())
-            throw Error{ErrorCode::Usage, fmt::format("{} is given without a value", words[i]),
-                        fmt::format("it takes {}; nothing was changed", acceptedText(reading))};
+            throw Error{
+                ErrorCode::Usage, fmt::format("{} is given without a value", words[i]),
+                fmt::format("nothing was changed; 'tarn-service {} set --help' tells what it takes", tuning.name)};
         auto value = parseSetting(reading, words[i + 1]);
         if (!value)
             throw Error{ErrorCode::Usage, value.error(), "nothing was changed"};
@@ -170,11 +185,10 @@ void get(Session& session, const Tuning& tuning, const std::string& name)
 {
     const auto all = readings(session.instrument(), tuning);
     const auto& reading = find(all, tuning, name);
-    const auto object = json(reading);
-    session.output().result(QJsonObject{{QStringLiteral("name"), object.value(QStringLiteral("name"))},
-                                        {QStringLiteral("value"), object.value(QStringLiteral("value"))},
-                                        {QStringLiteral("unit"), object.value(QStringLiteral("unit"))}},
-                            shownText(reading));
+    auto object = json(reading);
+    for (const auto* const member : {"readOnly", "limits", "choices"})
+        object.remove(QLatin1StringView{member});
+    session.output().result(object, shownText(reading));
 }
 
 void set(Session& session, const Tuning& tuning, const std::vector<std::string>& words)
@@ -187,7 +201,7 @@ void set(Session& session, const Tuning& tuning, const std::vector<std::string>&
     std::string text;
     for (std::size_t i = 0; i < after.size(); ++i) {
         auto object = json(after[i]);
-        object.insert(QStringLiteral("sent"), valueJson(after[i].setting.form, assignments[i].value));
+        object.insert(QStringLiteral("sent"), valueJson(after[i], assignments[i].value));
         array.append(object);
         text += fmt::format("{} {}\n", nameOf(after[i]), shownText(after[i]));
     }

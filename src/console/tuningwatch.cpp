@@ -26,8 +26,12 @@ public:
     {
         // Queued: the signals come from whoever sets a value, and from a thread of the device.
         tuning.connect(m_control, *this, [this] { look(); });
+        // A little later: looking may be what an instrument drops its controls for.
+        m_soon.setSingleShot(true);
+        m_soon.setInterval(std::chrono::milliseconds{100});
         QObject::connect(
-            &instrument.lifecycle(), &LifecycleWatch::changed, this, [this] { look(); }, Qt::QueuedConnection);
+            &instrument.lifecycle(), &LifecycleWatch::changed, this, [this] { lookSoon(); }, Qt::QueuedConnection);
+        QObject::connect(&m_soon, &QTimer::timeout, this, [this] { look(); });
         QObject::connect(&m_timer, &QTimer::timeout, this, [this] { look(); });
     }
 
@@ -47,6 +51,12 @@ private:
             if (m_instrument.isThere(m_tuning.registryKey))
                 compare(m_tuning.read(m_control));
         });
+    }
+
+    void lookSoon()
+    {
+        if (!m_soon.isActive())
+            m_soon.start();
     }
 
     void compare(std::vector<Reading> readings)
@@ -71,6 +81,7 @@ private:
     const std::any m_control;
     WatchLoop m_loop;
     QTimer m_timer;
+    QTimer m_soon;
     std::vector<Reading> m_last;
 };
 

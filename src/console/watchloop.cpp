@@ -1,15 +1,24 @@
 #include <console/watchloop.h>
 
 #include <console/number.h>
+#include <console/platform.h>
 #include <console/text.h>
 #include <utils/duration.h>
 
 #include <QDateTime>
 #include <QSocketNotifier>
+#include <QTimer>
 
+#include <chrono>
 #include <utility>
 
 namespace tarn::console {
+
+namespace {
+
+constexpr std::chrono::milliseconds readerInterval{250};
+
+} // namespace
 
 WatchLoop::WatchLoop(const LifecycleWatch& lifecycle, std::optional<std::uint64_t> count, const Output& output)
     : m_lifecycle{lifecycle}
@@ -24,6 +33,15 @@ void WatchLoop::run()
 {
     const QSocketNotifier interrupt{m_interrupt.descriptor(), QSocketNotifier::Read};
     connect(&interrupt, &QSocketNotifier::activated, &m_loop, &QEventLoop::quit);
+    // A reader who goes away while nothing happens is not noticed by writing.
+    QTimer reader;
+    connect(&reader, &QTimer::timeout, this, [this] {
+        attempt([] {
+            if (platform::isOutputClosed())
+                throw OutputClosed{};
+        });
+    });
+    reader.start(readerInterval);
     if (m_shown != m_count && !m_failure)
         m_loop.exec();
     if (m_failure)

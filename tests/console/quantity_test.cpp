@@ -25,6 +25,7 @@ TEST(Quantity, IsReadWithTheUnitsOfItsKind)
 TEST(Quantity, OfNoUnitIsAWholeNumberDecimalOrHexadecimal)
 {
     EXPECT_EQ(parseQuantity("0x1F", Unit::None), 31.0);
+    EXPECT_EQ(parseQuantity("0X1f", Unit::None), 31.0);
     EXPECT_EQ(parseQuantity("31", Unit::None), 31.0);
     EXPECT_EQ(parseQuantity("-1", Unit::None), -1.0);
     EXPECT_EQ(parseQuantity("4294967296", Unit::None), 4294967296.0);
@@ -32,10 +33,37 @@ TEST(Quantity, OfNoUnitIsAWholeNumberDecimalOrHexadecimal)
         EXPECT_FALSE(parseQuantity(text, Unit::None)) << text;
 }
 
+TEST(Quantity, IsTheNumberNextToWhatIsWritten)
+{
+    EXPECT_EQ(parseQuantity("1.001MHz", Unit::Hertz), 1001000.0);
+    EXPECT_EQ(parseQuantity("0.02 nF", Unit::Farad), 20e-12);
+    EXPECT_EQ(parseQuantity("0.23pF", Unit::Farad), 0.23e-12);
+    EXPECT_EQ(parseQuantity("1.5e3 kHz", Unit::Hertz), 1.5e6);
+    EXPECT_EQ(parseQuantity("1.5E+3kHz", Unit::Hertz), 1.5e6);
+    EXPECT_EQ(parseQuantity("5e-1 GHz", Unit::Hertz), 5e8);
+    for (int thousandth = 1; thousandth < 10000; ++thousandth)
+        EXPECT_EQ(parseQuantity(std::to_string(thousandth / 1000.0) + "GHz", Unit::Hertz), thousandth * 1e6);
+}
+
+TEST(Quantity, HasNoNegativeZero)
+{
+    EXPECT_EQ(quantityText(*parseQuantity("-0", Unit::Decibel), Unit::Decibel), "0 dB");
+}
+
+TEST(Quantity, KnowsTheSymbolsOfUnits)
+{
+    for (const auto* const symbol : {"Hz", "kHz", "MHz", "GHz", "ns", "us", "ms", "s", "pF", "nF", "uF", "F", "dB"})
+        EXPECT_TRUE(isSymbol(symbol)) << symbol;
+    for (const auto* const word : {"", "H", "mhz", "10", "MHz ", "THz"})
+        EXPECT_FALSE(isSymbol(word)) << word;
+}
+
 TEST(Quantity, IsNothingElse)
 {
-    for (const auto* const text : {"", " ", "MHz", "nan", "inf", "-inf", "nanHz", "1e400", "1e308 GHz", "10 mhz",
-                                   "10 MHZ", "10 s", "10 MHz 5", "ten", "0x10", "10M", "--5"})
+    for (const auto* const text :
+         {"",       " ",          "MHz",  "nan",      "inf", "-inf", "nanHz", "1e400", "1e308 GHz",
+          "10 mhz", "10 MHZ",     "10 s", "10 MHz 5", "ten", "0x10", "10M",   "--5",   "1e99999999999 Hz",
+          "1e Hz",  "1e-99999 Hz"})
         EXPECT_FALSE(parseQuantity(text, Unit::Hertz)) << text;
 }
 

@@ -44,15 +44,15 @@ TEST(Setting, TakesACodeWithinItsLimits)
                     HasSubstr("is not a whole number, decimal or hexadecimal (0x1F); it takes 8 to 20"));
 }
 
-TEST(Setting, NamesNoUpperLimitThatTheInstrumentHasNot)
+TEST(Setting, ShowsNoLimitsThatAreOnlyThoseOfItsType)
 {
-    const auto most = std::numeric_limits<int>::max();
-    const auto reading = of(code(), {.lower = 0, .upper = most});
-    EXPECT_EQ(acceptedText(reading), "0 or more");
-    EXPECT_TRUE(json(reading)[QStringLiteral("limits")].toObject()[QStringLiteral("maximum")].isNull());
-    EXPECT_EQ(parsed(reading, "2147483647"), "2147483647");
-    EXPECT_THAT(parsed(reading, "2147483648"), HasSubstr("is out of the limits"));
-    EXPECT_EQ(acceptedText(of(code(), {.lower = 0, .upper = most - 1})), "0 to 2147483646");
+    const auto reading = of(code(), {.lower = -128, .upper = 127, .areOfType = true});
+    EXPECT_EQ(acceptedText(reading), "");
+    EXPECT_FALSE(json(reading).contains(QStringLiteral("limits")));
+    EXPECT_EQ(parsed(reading, "-128"), "-128");
+    EXPECT_EQ(parsed(reading, "127"), "127");
+    EXPECT_EQ(parsed(reading, "128"), "no: it: '128' does not fit into it; it holds -128 to 127");
+    EXPECT_EQ(parsed(reading, "x"), "no: it: 'x' is not a whole number, decimal or hexadecimal (0x1F)");
 }
 
 TEST(Setting, TakesACodeOfItsList)
@@ -93,8 +93,8 @@ TEST(Setting, TakesAChoiceByNameOrNumber)
     EXPECT_EQ(valueText(reading, 7.0), "7");
     EXPECT_EQ(valueText(reading, 0.0), "0");
     EXPECT_EQ(valueText(reading, 3.0), "3");
-    EXPECT_EQ(valueJson(reading.setting.form, 7.0), 7);
-    EXPECT_EQ(valueJson(reading.setting.form, 2.0), QStringLiteral("table"));
+    EXPECT_EQ(valueJson(reading, 7.0), 7);
+    EXPECT_EQ(valueJson(reading, 2.0), QStringLiteral("table"));
 }
 
 TEST(Setting, TakesASwitchInThreeSpellings)
@@ -106,8 +106,8 @@ TEST(Setting, TakesASwitchInThreeSpellings)
         EXPECT_EQ(parsed(reading, text), "off");
     for (const auto* const text : {"2", "ON", "yes", ""})
         EXPECT_THAT(parsed(reading, text), HasSubstr("is not on, off, true, false, 1 or 0; it takes on, off"));
-    EXPECT_EQ(valueJson(reading.setting.form, 1.0), true);
-    EXPECT_EQ(valueJson(reading.setting.form, 0.0), false);
+    EXPECT_EQ(valueJson(reading, 1.0), true);
+    EXPECT_EQ(valueJson(reading, 0.0), false);
 }
 
 TEST(Setting, TakesAPositionOrWhatStandsThere)
@@ -116,7 +116,8 @@ TEST(Setting, TakesAPositionOrWhatStandsThere)
     EXPECT_EQ(parsed(reading, "1"), "1 (10 MHz)");
     EXPECT_EQ(parsed(reading, "10MHz"), "1 (10 MHz)");
     EXPECT_EQ(parsed(reading, "5 MHz"), "0 (5 MHz)");
-    for (const auto* const text : {"2", "-1", "7MHz", "10000000"})
+    EXPECT_EQ(parsed(reading, "10000000"), "1 (10 MHz)");
+    for (const auto* const text : {"2", "-1", "7MHz", "10000001"})
         EXPECT_THAT(parsed(reading, text), HasSubstr("is out of the limits; it takes 0 (5 MHz), 1 (10 MHz)")) << text;
     EXPECT_THAT(parsed(reading, "x"), HasSubstr("is not a position in the list or a number in Hz, kHz, MHz or GHz"));
     EXPECT_EQ(valueText(reading, 9.0), "9");
@@ -129,7 +130,8 @@ TEST(Setting, TakesARangeWithItsLowerEndFirst)
     EXPECT_EQ(parseSetting(reading, "10pF..20pF"), (SettingValue{Bounds{10e-12, 20e-12}}));
     EXPECT_EQ(parsed(reading, "10 pF .. 20 pF"), "10 pF..20 pF");
     EXPECT_EQ(parsed(reading, "1pF..1pF"), "1 pF..1 pF");
-    EXPECT_THAT(parsed(reading, "20pF..10pF"), HasSubstr("has its lower end above its upper one"));
+    EXPECT_THAT(parsed(reading, "20pF..10pF"), HasSubstr("has its lower end, 20 pF, above its upper one, 10 pF"));
+    EXPECT_THAT(parsed(reading, "1..5pF"), HasSubstr("its lower end, 1 F, above"));
     EXPECT_THAT(parsed(reading, "-1pF..10pF"), HasSubstr("it takes 0 F or more"));
     for (const auto* const text : {"10pF", "10pF..", "..20pF", "..", "", "10pF..20pF..30pF", "nan..1"})
         EXPECT_THAT(parsed(reading, text), HasSubstr("is not LOWER..UPPER, each a number in pF, nF, uF or F")) << text;
@@ -139,11 +141,48 @@ TEST(Setting, TakesARangeWithItsLowerEndFirst)
 TEST(Setting, ShowsWhatIsNotSetAndLists)
 {
     EXPECT_EQ(valueText(of(quantity(Unit::Hertz)), {}), "not set");
-    EXPECT_TRUE(valueJson(quantity(Unit::Hertz), {}).isNull());
+    EXPECT_TRUE(valueJson(of(quantity(Unit::Hertz)), {}).isNull());
     EXPECT_EQ(valueText(of(list(Unit::Hertz)), List{5e6, 1e9}), "5 MHz, 1 GHz");
     EXPECT_EQ(valueText(of(list(Unit::Hertz)), List{}), "none");
-    EXPECT_EQ(valueJson(list(Unit::Hertz), List{5e6, 1e9}), (QJsonArray{5e6, 1e9}));
+    EXPECT_EQ(valueJson(of(list(Unit::Hertz)), List{5e6, 1e9}), (QJsonArray{5e6, 1e9}));
     EXPECT_THAT(parsed(of(list(Unit::Hertz)), "5 MHz"), HasSubstr("it can only be shown"));
+}
+
+TEST(Setting, IsAWordThatIsUnderstood)
+{
+    const auto expectAgain = [](const Reading& reading, const SettingValue& value, const std::string& word) {
+        EXPECT_EQ(valueWord(reading, value), word);
+        EXPECT_EQ(parseSetting(reading, word), value) << word;
+    };
+    expectAgain(of(code(), upTo20), 9.0, "9");
+    expectAgain(of(choice({"a", "b"}, 1)), 2.0, "b");
+    expectAgain(of(onOff()), 1.0, "on");
+    expectAgain(of(quantity(Unit::Hertz), notNegative), 12.8e6, "12.8MHz");
+    expectAgain(of(range(Unit::Farad), notNegative), Bounds{10e-12, 20e-12}, "10pF..20pF");
+    expectAgain(of(position(Unit::Hertz), {.list = List{5e6, 10e6}}), 1.0, "1");
+}
+
+TEST(Setting, SaysHowItsValuesAreWritten)
+{
+    EXPECT_EQ(formText(code()), "");
+    EXPECT_EQ(formText(choice({"a", "b"})), "a, b");
+    EXPECT_EQ(formText(onOff()), "on, off");
+    EXPECT_EQ(formText(quantity(Unit::Decibel)), "dB");
+    EXPECT_EQ(formText(range(Unit::Farad)), "LOWER..UPPER in pF, nF, uF or F");
+}
+
+TEST(Setting, GivesMachinesWhatStandsAtAPositionAndThePosition)
+{
+    auto reading = of(position(Unit::Hertz), {.list = List{5e6, 10e6}});
+    reading.value = 1.0;
+    EXPECT_EQ(json(reading).value(QStringLiteral("value")), 10e6);
+    EXPECT_EQ(json(reading).value(QStringLiteral("position")), 1);
+    EXPECT_EQ(json(reading).value(QStringLiteral("unit")), QStringLiteral("Hz"));
+    EXPECT_EQ(json(reading).value(QStringLiteral("choices")), (QJsonArray{5e6, 10e6}));
+    reading.value = 2.0;
+    EXPECT_TRUE(json(reading).value(QStringLiteral("value")).isNull());
+    EXPECT_EQ(json(reading).value(QStringLiteral("position")), 2);
+    EXPECT_FALSE(json(of(code())).contains(QStringLiteral("position")));
 }
 
 TEST(Setting, IsAnObjectForMachines)

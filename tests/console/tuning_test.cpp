@@ -47,6 +47,7 @@ TEST(Tuning, NamesAHarmlessSettingThatCanBeChanged)
         const auto found = std::ranges::find(tuning->settings, tuning->harmless, &Setting::name);
         ASSERT_NE(found, tuning->settings.end()) << tuning->name;
         EXPECT_FALSE(found->isReadOnly()) << tuning->name;
+        EXPECT_TRUE(!valueWords(found->form).empty() || found->limits) << tuning->name;
     }
 }
 
@@ -64,8 +65,19 @@ TEST(Tuning, KnowsWhatMayStandNext)
     EXPECT_THAT(next({"set", "lo-power"}), IsEmpty());
     EXPECT_THAT(next({"set", "no-such"}), IsEmpty());
     EXPECT_THAT(next({"set", "lo-power", "20"}), Contains("rf-power"));
+    EXPECT_THAT(next({"set", "lo-power", "20"}), Not(Contains("lo-power")));
     EXPECT_THAT(next({"load"}), ElementsAre("rf-power-codes", "lo-power-codes"));
     EXPECT_THAT(next({"load", "rf-power-codes"}), IsEmpty());
+}
+
+TEST(Tuning, ProposesTheFirstRowsOfATable)
+{
+    const auto next = [](const Words& given) { return sableSynthesisTuning().candidates(given); };
+    EXPECT_THAT(next({"get"}),
+                testing::IsSupersetOf({"rf-range-0-frequency", "rf-range-9-power", "rf-default-range-9-power"}));
+    EXPECT_THAT(next({"set"}), Contains("rf-range-9-power"));
+    EXPECT_THAT(next({"set"}), Not(Contains("rf-default-range-0-power")));
+    EXPECT_THAT(next({"get"}), Not(Contains("rf-range-10-power")));
 }
 
 TEST(Tuning, HearsEachChangeSignalOnTheThreadOfTheContext)

@@ -50,10 +50,10 @@ const Case cases[] = {
     {"quill-power", "amp-r-port1", "high", "high", word("high")},
     {"quill-synthesis", "lo-leakage-mode", "on", "on", true},
     {"quill-synthesis", "manual-if-enabled", "1", "on", true},
-    {"quill-synthesis", "selected-if", "2", "2 (7.5 MHz)", 2},
+    {"quill-synthesis", "selected-if", "2", "2 (7.5 MHz)", 7.5e6},
     {"quill-synthesis", "filter1-frequency", "1.5 GHz", "1.5 GHz", 1.5e9},
     {"quill-synthesis", "manual-ref-enabled", "on", "on", true},
-    {"quill-synthesis", "selected-ref", "20MHz", "1 (20 MHz)", 1},
+    {"quill-synthesis", "selected-ref", "20MHz", "1 (20 MHz)", 20e6},
     {"dorn-power", "power-control-mode", "manual", "manual", word("manual")},
     {"dorn-power", "lo-power", "63", "63", 63},
     {"dorn-power", "rf-power", "0", "0", 0},
@@ -83,7 +83,7 @@ const Case cases[] = {
     {"sable-synthesis", "rf-power", "21", "21", 21},
     {"sable-synthesis", "rf-power-mode", "fixed", "fixed", word("fixed")},
     {"sable-synthesis", "if-mode", "manual", "manual", word("manual")},
-    {"sable-synthesis", "selected-if", "10 MHz", "2 (10 MHz)", 2},
+    {"sable-synthesis", "selected-if", "10 MHz", "2 (10 MHz)", 10e6},
     {"sable-synthesis", "capacitor1-mode", "range", "range", word("range")},
     {"sable-synthesis", "capacitor1-range", "10pF..20pF", "10 pF..20 pF", bounds(10e-12, 20e-12)},
     {"sable-synthesis", "capacitor2-mode", "minimum", "minimum", word("minimum")},
@@ -102,7 +102,7 @@ const Case cases[] = {
     {"sable-synthesis", "rf-range-0-power", "30", "30", 30},
     {"sable-synthesis", "rf-range-5-power", "31", "31", 31},
     {"vell-synthesis", "manual-if-enabled", "on", "on", true},
-    {"vell-synthesis", "selected-if", "30MHz", "4 (30 MHz)", 4},
+    {"vell-synthesis", "selected-if", "30MHz", "4 (30 MHz)", 30e6},
 };
 
 } // namespace
@@ -192,10 +192,11 @@ TEST_F(TuningCommandsTest, ShowIsATableWithUnitsAndLimits)
     const auto outcome = run(words("quill-power show"));
     const auto text = outcome.out.toStdString();
     EXPECT_THAT(text, testing::StartsWith("NAME                         VALUE      LIMITS\n"));
-    for (const auto* const line : {"\nlo-power                     64         8 to 120\n",
-                                   "\nmax-power-code               120        read-only\n",
-                                   "\nsynt-power-mode              normal     normal, high\n",
-                                   "\ndiscrete-attenuator-enabled  off        on, off\n"})
+    for (const auto* const line :
+         {"\nlo-power                     64         8 to 120\n",
+          "\nmax-power-code               120        read-only\n",
+          "\nsynt-power-mode              normal     normal, high\n", "\nattenuation-step             10         \n",
+          "\ndiscrete-attenuator-enabled  off        on, off\n"})
         EXPECT_THAT(text, HasSubstr(line));
     const auto sable = run(words("sable-synthesis show")).out.simplified().toStdString();
     for (const auto* const part : {"selected-if 1 (4 MHz) 0 (1 MHz), 1 (4 MHz), 2 (10 MHz) ",
@@ -233,6 +234,23 @@ TEST_F(TuningCommandsTest, SetsSeveralPairsInTheirOrder)
     EXPECT_EQ(run(words("sable-synthesis set rf-range-1-frequency 1GHz rf-range-0-frequency 700MHz")).exitCode, 0);
 }
 
+TEST_F(TuningCommandsTest, TakesAUnitThatIsAWordOfItsOwn)
+{
+    EXPECT_EQ(run(words("quill-synthesis set filter1-frequency 1.001 MHz selected-if 10 MHz")).out,
+              "filter1-frequency 1.001 MHz\nselected-if 3 (10 MHz)\n");
+    const auto filter = run(words("--json quill-synthesis get filter1-frequency")).result().toObject();
+    EXPECT_EQ(filter.value(QStringLiteral("value")), 1001000);
+    EXPECT_EQ(message(refused(words("quill-synthesis set MHz 10"))), "quill-synthesis has no setting 'MHz'");
+}
+
+TEST_F(TuningCommandsTest, LeavesWhatOnlyTheInstrumentKnowsToIt)
+{
+    const auto step = run(words("--json quill-power set attenuation-step -1"));
+    EXPECT_EQ(step.exitCode, 1);
+    EXPECT_THAT(message(step), HasSubstr("-1 is not from 0 to 70"));
+    EXPECT_THAT(message(run(words("--json sable-power set attenuation-db -1.5"))), HasSubstr("-1.5"));
+}
+
 TEST_F(TuningCommandsTest, SendsNothingIfOneOfThemIsWrong)
 {
     for (const auto* const pairs :
@@ -250,9 +268,11 @@ TEST_F(TuningCommandsTest, SaysWhatIsWrongAndWhatIsAccepted)
     EXPECT_EQ(message(refused(words("dorn-power set dac-a 4096"))),
               "dac-a: '4096' is out of the limits; it takes 0 to 4095");
     EXPECT_EQ(message(refused(words("sable-power set rf-dac 65536"))),
-              "rf-dac: '65536' is out of the limits; it takes 0 to 65535");
+              "rf-dac: '65536' does not fit into it; it holds 0 to 65535");
     EXPECT_EQ(message(refused(words("sable-synthesis set lo-power 256"))),
-              "lo-power: '256' is out of the limits; it takes 0 to 255");
+              "lo-power: '256' does not fit into it; it holds 0 to 255");
+    EXPECT_EQ(message(refused(words("quill-power set attenuation-step 2147483648"))),
+              "attenuation-step: '2147483648' does not fit into it; it holds -2147483648 to 2147483647");
     EXPECT_EQ(message(refused(words("quill-power set lo-power 20 lo-power 21"))), "lo-power is given twice");
     EXPECT_EQ(message(refused(words("quill-power set max-power-code 5"))), "max-power-code can only be shown");
     EXPECT_EQ(message(refused(words("quill-power set lo-power"))), "lo-power is given without a value");
@@ -387,6 +407,8 @@ TEST_F(TuningCommandsTest, HelpNamesTheSettingsAndTables)
 {
     const auto set = run(words("sable-synthesis set --help")).out.simplified().toStdString();
     EXPECT_THAT(set, HasSubstr("lo-power power code of the local oscillator"));
+    EXPECT_THAT(set, HasSubstr("rf-power-mode where the RF power code comes from: fixed, table"));
+    EXPECT_THAT(set, HasSubstr("measure-delay delay before a measurement: ns, us, ms or s"));
     EXPECT_THAT(set, HasSubstr("rf-range-N-power power code of row N of the RF power range table"));
     EXPECT_THAT(set, Not(HasSubstr("supported-ifs")));
     EXPECT_THAT(run(words("sable-synthesis get --help")).out.toStdString(), HasSubstr("supported-ifs"));
@@ -397,7 +419,9 @@ TEST_F(TuningCommandsTest, HelpNamesTheSettingsAndTables)
 
 TEST_F(TuningCommandsTest, SaysWhenTheInstrumentDoesNotHaveThem)
 {
-    for (const auto* const verb : {"show", "get lo-power", "set lo-power 20", "reset", "watch --count 1"}) {
+    writeLocal(QStringLiteral("table.bin"), "a table");
+    for (const auto* const verb :
+         {"show", "get lo-power", "set lo-power 20", "reset", "watch --count 1", "load rf-power-codes table.bin"}) {
         const auto outcome = runAt(QStringLiteral("profile=bare"), words("--json quill-power") + words(verb));
         EXPECT_EQ(outcome.exitCode, 3);
         EXPECT_EQ(code(outcome), QStringLiteral("not-offered")) << verb;

@@ -96,6 +96,34 @@ TEST_F(TuningFaultsTest, WatchLooksOnceASecondUnlessTold)
     EXPECT_EQ(run(words("quill-power watch --count 0")).exitCode, 2);
 }
 
+TEST_F(TuningFaultsTest, WatchEndsWhenItsReaderHasGone)
+{
+    QProcess shell;
+    prepare(shell, words("quill-power watch --interval 24h"));
+    shell.setArguments(QStringList{QStringLiteral("-c"),
+                                   QStringLiteral("\"$0\" \"$@\" | head -n 1; exit \"${PIPESTATUS[0]}\""),
+                                   shell.program()}
+                       + shell.arguments());
+    shell.setProgram(QStringLiteral("bash"));
+    shell.start();
+    const auto outcome = finish(shell);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.out.count('\n'), 1);
+}
+
+TEST_F(TuningFaultsTest, WatchDoesNotChaseAnInstrumentThatDropsItsControlsWhenItLooks)
+{
+    QProcess process;
+    prepare(process, words("--address drop-every=2,drop-for=1ms quill-power watch --interval 24h"));
+    process.start();
+    ASSERT_TRUE(process.waitForReadyRead());
+    process.waitForFinished(1000); // of watching: does not end
+    interrupt(process);
+    const auto outcome = finish(process);
+    EXPECT_EQ(outcome.exitCode, 130);
+    EXPECT_LT(outcome.err.count("the controls are back"), 400);
+}
+
 TEST_F(TuningFaultsTest, WatchEndsWithCtrlC)
 {
     QProcess process;
