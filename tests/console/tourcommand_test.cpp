@@ -49,7 +49,10 @@ TEST_F(TourCommandTest, ShowsEveryControlOnARestlessInstrumentAndLeavesItAsItWas
                                    "dorn-power",
                                    "dorn-synthesis",
                                    "vell-synthesis",
-                                   "set back",
+                                   "set manual-if-enabled",
+                                   "set amp-r-port1",
+                                   "set delay-mode",
+                                   "put back",
                                    "system-terms",
                                    "ifsw-calibration",
                                    "power-calibration",
@@ -63,6 +66,7 @@ TEST_F(TourCommandTest, ShowsEveryControlOnARestlessInstrumentAndLeavesItAsItWas
                                    "20 of 20 controls seen",
                                    "all came back"})
         EXPECT_THAT(text, HasSubstr(part));
+    EXPECT_EQ(outcome.out.count("put back"), 7); // a setting of each tuning control
     EXPECT_LE(outcome.out.count('\n'), 240);
     EXPECT_EQ(kept(), before);
 }
