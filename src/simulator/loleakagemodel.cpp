@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace tarn::simulator {
 
@@ -36,10 +37,10 @@ bool LoLeakageModel::isEnabled() const
     return m_enabled;
 }
 
-void LoLeakageModel::setEnabled(bool enabled)
+void LoLeakageModel::setEnabled(bool enabled, QJsonObject others)
 {
     const utils::MutexLock lock{m_mutex};
-    if (!save(enabled))
+    if (!save(enabled, std::move(others)))
         throw std::runtime_error{std::string{"the LO leakage setting could not be saved and stays "}
                                  + (m_enabled ? "on" : "off")
                                  + "; check that the state folder is there and its disk is not full"};
@@ -50,12 +51,13 @@ void LoLeakageModel::cyclePower()
 {
     const utils::MutexLock lock{m_mutex};
     take(false);
-    static_cast<void>(save(false)); // the power has gone, whether or not this can be saved
+    static_cast<void>(save(false, {})); // the power has gone, whether or not this can be saved
 }
 
-bool LoLeakageModel::save(bool enabled)
+bool LoLeakageModel::save(bool enabled, QJsonObject others)
 {
-    return !m_storage.save(sectionName, enabled, {});
+    others[sectionName] = enabled;
+    return !m_storage.save(others, {});
 }
 
 void LoLeakageModel::take(bool enabled)

@@ -5,6 +5,8 @@
 #include <simulator/thermalmodel.h>
 #include <utils/mutex.h>
 
+#include <QJsonObject>
+
 namespace tarn::simulator {
 
 /// The LO leakage function, kept in the storage until the power goes; off at first. While it is on it heats the LO
@@ -16,14 +18,15 @@ public:
 
     [[nodiscard]] bool isEnabled() const;
 
-    /// Throws, and leaves the function as it was, if the setting cannot be saved.
-    void setEnabled(bool enabled);
+    /// Saves the sections of others in the same step. Throws, and leaves the function as it was, if
+    /// that cannot be done.
+    void setEnabled(bool enabled, QJsonObject others = {});
 
     /// The power goes and comes back.
     void cyclePower();
 
 private:
-    [[nodiscard]] bool save(bool enabled);
+    [[nodiscard]] bool save(bool enabled, QJsonObject others);
     void take(bool enabled) TARN_REQUIRES(m_mutex);
 
     Storage& m_storage;

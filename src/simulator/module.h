@@ -45,13 +45,21 @@ public:
     /// be saved.
     void change(auto change)
     {
+        this->change(change, [this](const QJsonObject& sections) {
+            if (m_bench.storage->save(sections, {}))
+                throw std::runtime_error{"the setting could not be saved and stays as it was; check that the state "
+                                         "folder is there and its disk is not full"};
+        });
+    }
+
+    /// The same for those who save the module together with something else: `save(sections)` throws if it cannot.
+    void change(auto change, auto save)
+    {
         const utils::MutexLock lock{m_mutex};
         auto changed = m_record;
         change(changed);
         check(changed);
-        if (!save(changed))
-            throw std::runtime_error{"the setting could not be saved and stays as it was; check that the state folder "
-                                     "is there and its disk is not full"};
+        save(sectionsOf(changed));
         take(changed);
     }
 
@@ -60,7 +68,8 @@ public:
     {
         const utils::MutexLock lock{m_mutex};
         take({});
-        static_cast<void>(save(m_record)); // the power has gone, whether or not this can be saved
+        // The power has gone, whether or not this can be saved.
+        static_cast<void>(m_bench.storage->save(sectionsOf(m_record), {}));
     }
 
 private:
@@ -90,11 +99,11 @@ private:
         return record;
     }
 
-    [[nodiscard]] bool save(const Record& record)
+    static QJsonObject sectionsOf(const Record& record)
     {
         SettingsWriter writer;
         fields(writer, record);
-        return !m_bench.storage->save(section(), writer.object(), {});
+        return {{section(), writer.object()}};
     }
 
     void take(const Record& record) TARN_REQUIRES(m_mutex)

@@ -45,16 +45,16 @@ protected:
         change([&](Record& record) { record.*setting = value; });
     }
 
-    /// The operation that changes the settings by `change(record)`.
-    void change(auto change)
+    /// The operation that changes the settings by `change(record)`, and saves them by `save(sections)` if need be.
+    void change(auto change, auto... save)
     {
-        call([&] { m_module->change(change); });
+        call([&] { m_module->change(change, save...); });
     }
 
     /// The operation that makes the settings what they are without power.
-    void restoreDefaults()
+    void restoreDefaults(auto... save)
     {
-        change([](Record& record) { record = {}; });
+        change([](Record& record) { record = {}; }, save...);
     }
 
     /// The operation that takes over a table.

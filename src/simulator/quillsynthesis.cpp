@@ -2,6 +2,8 @@
 #include <simulator/modulecontrol.h>
 #include <simulator/modulecontrols.h>
 
+#include <QJsonObject>
+
 #include <array>
 #include <span>
 
@@ -60,10 +62,7 @@ public:
 
     void reset() override
     {
-        change([this](Record& record) {
-            bench().loLeakage.setEnabled(false);
-            record = {};
-        });
+        restoreDefaults([this](const QJsonObject& sections) { bench().loLeakage.setEnabled(false, sections); });
     }
 };
 

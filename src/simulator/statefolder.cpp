@@ -176,11 +176,12 @@ void StateFolder::refuse(const QString& reason) const
     throw StateError{m_index, reason};
 }
 
-std::error_code StateFolder::save(const QString& name, const QJsonValue& value, const Blocks& blocks)
+std::error_code StateFolder::save(const QJsonObject& changed, const Blocks& blocks)
 {
     const utils::MutexLock lock{m_mutex};
     auto sections = m_sections;
-    sections[name] = value;
+    for (auto section = changed.begin(); section != changed.end(); ++section)
+        sections[section.key()] = section.value();
     if (!writeBlocks(blocks) || !writeIndex(sections))
         return Error::Io;
     m_sections = sections;

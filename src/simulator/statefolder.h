@@ -48,7 +48,7 @@ public:
     [[nodiscard]] QJsonValue section(const QString& name) const override;
     [[nodiscard]] QByteArray block(const QString& digest) const override;
     [[noreturn]] void refuse(const QString& reason) const override;
-    [[nodiscard]] std::error_code save(const QString& name, const QJsonValue& value, const Blocks& blocks) override;
+    [[nodiscard]] std::error_code save(const QJsonObject& changed, const Blocks& blocks) override;
 
 private:
     void take(const Patience& patience);

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QCryptographicHash>
 #include <QHash>
+#include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
 
@@ -54,9 +55,15 @@ public:
     /// Throws a `StateError` that blames the place where sections are kept.
     [[noreturn]] virtual void refuse(const QString& reason) const = 0;
 
-    /// Replaces a section, where `blocks` are all those that it refers to; returns when it is
-    /// durable. After a failure the old section stands.
-    [[nodiscard]] virtual std::error_code save(const QString& name, const QJsonValue& value, const Blocks& blocks) = 0;
+    /// Replaces sections, all in one step, where `blocks` are all those that they refer to; returns
+    /// when they are durable. After a failure the old sections stand.
+    [[nodiscard]] virtual std::error_code save(const QJsonObject& sections, const Blocks& blocks) = 0;
+
+    /// Replaces one section.
+    [[nodiscard]] std::error_code save(const QString& name, const QJsonValue& value, const Blocks& blocks)
+    {
+        return save({{name, value}}, blocks);
+    }
 };
 
 /// Keeps nothing.
@@ -65,10 +72,7 @@ public:
     [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
     [[nodiscard]] QByteArray block(const QString& digest) const override { refuse(digest); }
     [[noreturn]] void refuse(const QString& reason) const final { throw StateError{{}, reason}; }
-    std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
-    {
-        return {};
-    }
+    std::error_code save(const QJsonObject& /*sections*/, const Blocks& /*blocks*/) override { return {}; }
 };
 
 } // namespace tarn::simulator

@@ -168,10 +168,7 @@ TYPED_TEST(CalibrationFaultTest, OfADropEndsTheRegistrations)
 TYPED_TEST(CalibrationFaultTest, OfTheStorageIsAnErrorAfterTheProgressAndLeavesWhatIsStored)
 {
     struct FullStorage final : NoStorage {
-        std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
-        {
-            return Error::Io;
-        }
+        std::error_code save(const QJsonObject& /*sections*/, const Blocks& /*blocks*/) override { return Error::Io; }
     };
     CalibratedInstrument<TypeParam> instrument{{}, std::make_unique<FullStorage>()};
     instrument.write();

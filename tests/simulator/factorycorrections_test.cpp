@@ -186,7 +186,7 @@ TEST_F(FactoryCorrectionTest, IsSupportedAndValidAsTheModelOfTheNextOfferWants)
 TEST(FactoryCorrectionStorageTest, StaysAsItIsWhenTheWriteBeginsWhileAnotherSwitchIsBeingSaved)
 {
     struct WatchedStorage final : NoStorage {
-        std::error_code save(const QString& /*name*/, const QJsonValue& /*value*/, const Blocks& /*blocks*/) override
+        std::error_code save(const QJsonObject& /*sections*/, const Blocks& /*blocks*/) override
         {
             if (const auto watch = std::exchange(atSave, nullptr))
                 watch();

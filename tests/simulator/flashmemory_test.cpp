@@ -30,9 +30,10 @@ public:
     [[nodiscard]] QByteArray block(const QString& digest) const override { return blocks.value(digest); }
     [[noreturn]] void refuse(const QString& reason) const override { throw StateError{{}, reason}; }
 
-    std::error_code save(const QString& name, const QJsonValue& value, const Blocks& newBlocks) override
+    std::error_code save(const QJsonObject& changed, const Blocks& newBlocks) override
     {
-        sections[name] = value;
+        for (auto it = changed.begin(); it != changed.end(); ++it)
+            sections[it.key()] = it.value();
         for (auto it = newBlocks.begin(); it != newBlocks.end(); ++it) // a copy, as a folder makes one
             blocks[it.key()] = QByteArray{it.value().constData(), it.value().size()};
         return {};

@@ -93,6 +93,59 @@ TEST_F(StateTest, KeepsNothingOfAResetThatCannotBeSaved)
     EXPECT_EQ(std::pair(settingsOf(*power), settingsOf(*synthesis)), before);
 }
 
+TEST_F(StateTest, KeepsAResetWhenTheInstrumentIsClosed)
+{
+    auto device = open();
+    auto synthesis = control<test::QuillSynthesis>(*device);
+    const auto delivered = settingsOf(*synthesis);
+    vary(*synthesis);
+    synthesis->reset();
+    synthesis.reset();
+    device.reset();
+    EXPECT_EQ(settingsOf(*control<test::QuillSynthesis>(*open())), delivered);
+}
+
+/// Keeps sections for the time of a test, until a save fails.
+struct FailingStorage final : NoStorage {
+    std::error_code save(const QJsonObject& changed, const Blocks& /*blocks*/) override
+    {
+        if (--savesToFailure == 0)
+            return Error::Io;
+        for (auto section = changed.begin(); section != changed.end(); ++section)
+            sections[section.key()] = section.value();
+        return {};
+    }
+
+    QJsonObject sections;
+    int savesToFailure = 0;
+};
+
+TEST(QuillSynthesisStorageTest, IsResetWithTheLoLeakageOrNotAtAllWhicheverSaveFails)
+{
+    for (const int failing : {1, 2}) {
+        SCOPED_TRACE(failing);
+        auto owned = std::make_unique<FailingStorage>();
+        auto& storage = *owned;
+        const test::ManualInstrument instrument{{}, std::move(owned)};
+        const auto module = instrument.control<test::QuillSynthesis>();
+        const auto delivered = settingsOf(*module);
+        vary(*module);
+        const auto varied = settingsOf(*module);
+        const auto saved = storage.sections;
+
+        storage.savesToFailure = failing;
+        bool isReset = true;
+        try {
+            module->reset();
+        } catch (const std::runtime_error&) {
+            isReset = false;
+        }
+        EXPECT_EQ(isReset, failing != 1) << "it is one save";
+        EXPECT_EQ(settingsOf(*module), isReset ? delivered : varied);
+        EXPECT_EQ(storage.sections != saved, isReset);
+    }
+}
+
 TEST_F(StateTest, HeatsAsTheSavedSettingsSay)
 {
     control<test::QuillPower>(*open())->setRfPower(120);

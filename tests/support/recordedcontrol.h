@@ -16,7 +16,18 @@ namespace tarn::tests {
 /// answer. Thread-safe while `inside` is set and stays.
 class RecordedControl {
 public:
+    RecordedControl() = default;
+    RecordedControl(const RecordedControl&) = delete;
+    RecordedControl& operator=(const RecordedControl&) = delete;
+
+    ~RecordedControl()
+    {
+        if (atEnd)
+            atEnd();
+    }
+
     std::function<void()> inside; ///< runs in every call, which is then not remembered
+    std::function<void()> atEnd; ///< runs when the control dies
     std::any answer; ///< of exactly the type that a getter returns; empty for the neutral one
     const std::uint8_t* bytes = nullptr; ///< of the last table that was handed over
 

@@ -5,12 +5,13 @@
 
 #include <gmock/gmock.h>
 
-#include <any>
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -32,6 +33,25 @@ namespace tarn::tests {
 {
     static constexpr std::array<double, 3> three{3e6, 1e6, 2e6};
     return {{three, {3e6, 1e6, 2e6}}, {{}, {}}};
+}
+
+/// Makes a `RecordedControl` answer with `answer`.
+template <class Answer>
+auto answering(Answer answer)
+{
+    return [answer](auto& control) { control.answer = answer; };
+}
+
+/// Makes a `RecordedControl` answer with an array that is overwritten when the control dies: an adapter that reads it
+/// later does not hand on what it was given.
+template <class Element>
+auto answering(std::span<const Element> elements)
+{
+    return [elements, array = std::make_shared<std::vector<Element>>()](auto& control) {
+        array->assign(elements.begin(), elements.end());
+        control.answer = std::span<const Element>{*array};
+        control.atEnd = [array] { std::ranges::fill(*array, Element{}); };
+    };
 }
 
 /// The number on one side that a rule makes of the one on the other.
@@ -57,11 +77,15 @@ public:
     template <class SdkValue, class Value, class Get>
     TuningOperations& reads(const std::string& call, Get get, std::vector<std::pair<SdkValue, Value>> values)
     {
-        const auto run = [get](const Adapter& adapter) {
-            return std::invoke(get, adapter) == Value{} ? Outcome::Unavailable : Outcome::Answered;
+        const auto run = [get, expected = values.front().second](const Adapter& adapter) {
+            const auto value = std::invoke(get, adapter);
+            if (value == Value{})
+                return Outcome::Unavailable;
+            EXPECT_EQ(value, expected);
+            return Outcome::Answered;
         };
-        const auto stub = [answer = values.front().first](Control& control, std::function<void()> inside) {
-            control.answer = answer;
+        const auto stub = [answer = answering(values.front().first)](Control& control, std::function<void()> inside) {
+            answer(control);
             control.inside = std::move(inside);
         };
         entries.push_back({{call, run, stub}, [=](Adapter& adapter, Control& control) {

@@ -31,21 +31,6 @@ TEST_F(QuillSynthesisControl, MakesAnEmptyListOfAnEmptyOne)
     EXPECT_THAT(control.supportedRefs(), IsEmpty());
 }
 
-TEST_F(QuillSynthesisControl, CopiesAListWhileItsControlIsKept)
-{
-    std::vector<double> list{1.0};
-    std::shared_ptr<QuillSynthesis::Mock> dying{new QuillSynthesis::Mock, [&](auto* sdk) {
-                                                    delete sdk;
-                                                    list[0] = 0.0;
-                                                }};
-    dying->answer = std::span<const double>{list};
-    dying->inside = [&] { device.drop(Sdk::key); };
-    mock.reset();
-    device.offer<Sdk>(Sdk::key, std::move(dying));
-    EXPECT_THAT(control.supportedIfs(), ElementsAre(1.0));
-    EXPECT_EQ(list[0], 0.0);
-}
-
 TEST_F(QuillSynthesisControl, ResetsNothingWithoutAControl)
 {
     device.drop(Sdk::key);
