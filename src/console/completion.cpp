@@ -10,7 +10,7 @@ namespace {
 struct Place {
     const CLI::App* command = nullptr;
     const CLI::Option* option = nullptr; ///< that waits for its value
-    std::vector<std::string> arguments{}; ///< of the command
+    std::vector<std::string> arguments; ///< of the command
 };
 
 /// The option that `word` names, of `command` or of one above it.
@@ -53,7 +53,7 @@ Place advanced(Place place, const std::string& word)
         return place;
     }
     if (const auto* const below = findCommand(*place.command, word))
-        return {.command = below};
+        return {below, nullptr, {}};
     place.arguments.push_back(word);
     return place;
 }
@@ -82,7 +82,7 @@ std::vector<std::string> commandsOf(const CLI::App& command)
 
 std::vector<std::string> Completion::propose(const CLI::App& program, std::span<const std::string> words) const
 {
-    Place place{.command = &program};
+    Place place{&program, nullptr, {}};
     for (const auto& word : words.first(words.size() - 1))
         place = advanced(std::move(place), word);
     const auto& begun = words.back();
