@@ -81,6 +81,25 @@ protected:
         EXPECT_EQ(code(request), Error::Dropped);
     }
 
+    /// Expects observers to reach the mock as they are.
+    template <class Observer>
+    void expectObserversPassedOn() const
+    {
+        int nobody = 0;
+        auto* const observer = reinterpret_cast<Observer*>(&nobody); // NOLINT: nobody looks at it
+        EXPECT_CALL(*mock, addObserver(observer));
+        EXPECT_CALL(*mock, removeObserver(observer));
+        control()->addObserver(observer);
+        control()->removeObserver(observer);
+    }
+
+    void expectQueryPassedOn() const
+    {
+        EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true)).WillOnce(Return(false));
+        EXPECT_TRUE(control()->isAvailable());
+        EXPECT_FALSE(control()->isAvailable());
+    }
+
     /// The operations that the drops were reported of.
     [[nodiscard]] std::vector<std::string> dropped() const
     {
@@ -120,9 +139,7 @@ TEST_F(GuardedFileMemory, GuardsEveryRequest)
 
 TEST_F(GuardedFileMemory, PassesItsQueryOn)
 {
-    EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true)).WillOnce(Return(false));
-    EXPECT_TRUE(control()->isAvailable());
-    EXPECT_FALSE(control()->isAvailable());
+    expectQueryPassedOn();
 }
 
 TEST_F(GuardedFileMemory, DoesNotCopyTheContentsOfAFile)
@@ -163,13 +180,8 @@ TEST_F(GuardedMemoryOperations, GuardsEveryRequest)
 
 TEST_F(GuardedMemoryOperations, PassesObserversAndItsQueryOn)
 {
-    auto* const observer = reinterpret_cast<Observer*>(this); // NOLINT: nobody looks at it
-    EXPECT_CALL(*mock, addObserver(observer));
-    EXPECT_CALL(*mock, removeObserver(observer));
-    EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true));
-    control()->addObserver(observer);
-    control()->removeObserver(observer);
-    EXPECT_TRUE(control()->isAvailable());
+    expectObserversPassedOn<Observer>();
+    expectQueryPassedOn();
 }
 
 TEST_F(GuardedMemoryOperations, WaitsAsLongAsThereIsProgressOfAnyKind)
@@ -213,9 +225,8 @@ TEST_F(GuardedPotentiometers, PassesItsQueriesOn)
 {
     const std::vector<IPotentiometersControl::Potentiometer> list{{"gain", -1, 1}};
     EXPECT_CALL(*mock, potentiometers).WillOnce(Return(list));
-    EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true));
     EXPECT_EQ(control()->potentiometers(), list);
-    EXPECT_TRUE(control()->isAvailable());
+    expectQueryPassedOn();
 }
 
 class GuardedSerialNumber : public Guarded<IMemorySerialNumberControl, tests::MockMemorySerialNumberControl> {
@@ -234,13 +245,8 @@ TEST_F(GuardedSerialNumber, GuardsEveryRequest)
 
 TEST_F(GuardedSerialNumber, PassesObserversAndItsQueryOn)
 {
-    auto* const observer = reinterpret_cast<Observer*>(this); // NOLINT: nobody looks at it
-    EXPECT_CALL(*mock, addObserver(observer));
-    EXPECT_CALL(*mock, removeObserver(observer));
-    EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true));
-    control()->addObserver(observer);
-    control()->removeObserver(observer);
-    EXPECT_TRUE(control()->isAvailable());
+    expectObserversPassedOn<Observer>();
+    expectQueryPassedOn();
 }
 
 TEST_F(GuardedSerialNumber, WaitsAsLongAsAWriteProgresses)
@@ -276,10 +282,9 @@ TEST_F(GuardedUsbIdentity, PassesItsQueriesOn)
     const IMemoryUsbIdControl::DeviceRecord record{.usbId = {1, 2, 3}, .model = sdk::Model{"M"}};
     EXPECT_CALL(*mock, currentDevice).WillOnce(Return(record));
     EXPECT_CALL(*mock, supportedDevices).WillOnce(Return(std::vector{record, record}));
-    EXPECT_CALL(*mock, isAvailable).WillOnce(Return(true));
     EXPECT_EQ(control()->currentDevice(), record);
     EXPECT_THAT(control()->supportedDevices(), ElementsAre(record, record));
-    EXPECT_TRUE(control()->isAvailable());
+    expectQueryPassedOn();
 }
 
 } // namespace tarn::guard
