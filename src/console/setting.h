@@ -115,9 +115,9 @@ public:
     static Setting setting(std::string name, std::string purpose, SettingForm form, Getter getter, Setter setter)
     {
         using Type = typename Plain<std::invoke_result_t<Getter, const Control&>>::Type;
-        const auto limits = limitsOf<Type>(form.unit);
+        const auto unit = form.unit;
         return setting(std::move(name), std::move(purpose), std::move(form), getter, setter,
-                       [limits](const std::any&) { return limits; });
+                       [unit](const std::any&) { return limitsOf<Type>(unit); });
     }
 
     /// A setting whose limits the instrument knows.
