@@ -15,23 +15,15 @@ void Call::prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::str
     m_start = Watchdog::now();
     m_lateCompletions.store(0, std::memory_order_relaxed);
     m_isReturned.store(false, std::memory_order_relaxed);
-    setPhase(Phase::Idle);
-    m_holders.store(2, std::memory_order_release);
+    m_holders.store(2, std::memory_order_relaxed);
+    setPhase(Phase::Pending);
 }
 
-void Call::release()
+void Call::free()
 {
-    if (m_holders.fetch_sub(1, std::memory_order_acq_rel) != 1)
-        return;
     if (claim())
         endUnanswered(Phase::Dropped, Error::Dropped, Breach::Dropped);
     recycle();
-}
-
-void Call::onReturned()
-{
-    m_isReturned.store(true, std::memory_order_relaxed);
-    release();
 }
 
 void Call::onThrew()
@@ -63,13 +55,6 @@ bool Call::tryRetain()
             return true;
     }
     return false;
-}
-
-bool Call::claim()
-{
-    auto expected = Phase::Pending;
-    return m_phase.compare_exchange_strong(expected, Phase::Ending, std::memory_order_acq_rel,
-                                           std::memory_order_relaxed);
 }
 
 void Call::endUnanswered(Phase phase, std::error_code error, Breach breach)

@@ -3,7 +3,6 @@
 #include <guard/host.h>
 
 #include <atomic>
-#include <cstdint>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -25,10 +24,18 @@ public:
     void retain() { m_holders.fetch_add(1, std::memory_order_relaxed); }
 
     /// Ends the request as dropped if nobody is left who could end it.
-    void release();
+    void release()
+    {
+        if (m_holders.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            free();
+    }
 
     /// The operation has returned; the caller lets go.
-    void onReturned();
+    void onReturned()
+    {
+        m_isReturned.store(true, std::memory_order_relaxed);
+        release();
+    }
 
     /// The operation has thrown; the caller lets go. When this returns, no completion is running or will start.
     void onThrew();
@@ -37,11 +44,9 @@ public:
     void look();
 
 protected:
-    /// Makes a free call one for a new request. Two hold it: the caller, and the completion that it is about to make.
+    /// Makes a free call one for a new request, which can be ended from now on. Two hold it: the caller, and the
+    /// completion that it is about to make.
     void prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view operation);
-
-    /// The request is about to be made: it can be ended from now on.
-    void start() { setPhase(Phase::Pending); }
 
     /// The device completes the request: `step` calls the caller's completion, unless the request has ended.
     template <class Step>
@@ -54,8 +59,9 @@ protected:
     }
 
 private:
-    enum class Phase : std::uint8_t {
-        Idle, ///< not made yet
+    /// As wide as what a thread can wait for without a detour.
+    enum class Phase : int {
+        Idle, ///< never used
         Pending,
         Ending, ///< somebody calls the caller's completion
         Completed,
@@ -73,7 +79,16 @@ private:
     [[nodiscard]] bool tryRetain();
 
     /// Whether the request is the calling thread's to end.
-    [[nodiscard]] bool claim();
+    [[nodiscard]] bool claim()
+    {
+        auto expected = m_phase.load(std::memory_order_relaxed);
+        return expected == Phase::Pending
+            && m_phase.compare_exchange_strong(expected, Phase::Ending, std::memory_order_acq_rel,
+                                               std::memory_order_relaxed);
+    }
+
+    /// Nobody holds the call any more.
+    void free();
 
     void setPhase(Phase phase) { m_phase.store(phase, std::memory_order_release); }
 

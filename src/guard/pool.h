@@ -1,9 +1,9 @@
 #pragma once
 
+#include <guard/athand.h>
 #include <guard/watchdog.h>
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace tarn::guard {
@@ -15,7 +15,7 @@ class Pool {
 public:
     static Type& take()
     {
-        if (auto* const call = std::exchange(s_atHand, nullptr))
+        if (auto* const call = OfThread::take())
             return *call;
         if (auto* const call = shared().take())
             return *call;
@@ -25,13 +25,7 @@ public:
         return call;
     }
 
-    static void giveBack(Type& call)
-    {
-        if (s_atHand)
-            return shared().giveBack(call);
-        s_atHand = &call;
-        static thread_local const AtThreadEnd giveBackToo;
-    }
+    static void giveBack(Type& call) { OfThread::keep(&call); }
 
 private:
     struct Shared {
@@ -45,30 +39,20 @@ private:
             return call;
         }
 
-        void giveBack(Type& call)
+        void giveBack(Type* call)
         {
             const utils::MutexLock lock{mutex};
-            free.push_back(&call);
+            free.push_back(call);
         }
 
         utils::Mutex mutex;
         std::vector<Type*> free TARN_GUARDED_BY(mutex);
     };
 
-    struct AtThreadEnd {
-        AtThreadEnd() = default;
-        AtThreadEnd(const AtThreadEnd&) = delete;
-        AtThreadEnd& operator=(const AtThreadEnd&) = delete;
-        ~AtThreadEnd()
-        {
-            if (s_atHand)
-                shared().giveBack(*std::exchange(s_atHand, nullptr));
-        }
-    };
-
     static Shared& shared() { return immortal<Shared>(); }
+    static void share(Type* call) { shared().giveBack(call); }
 
-    static inline thread_local Type* s_atHand = nullptr;
+    using OfThread = AtHand<Type, &Pool::share>;
 };
 
 } // namespace tarn::guard

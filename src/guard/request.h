@@ -1,9 +1,12 @@
 #pragma once
 
+#include <guard/athand.h>
 #include <guard/call.h>
 #include <guard/pool.h>
 
+#include <cstddef>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <system_error>
 #include <type_traits>
@@ -25,9 +28,7 @@ public:
         call.prepare(host, control, name);
         call.m_done.swap(done);
         try {
-            Done completion{Completer{call}};
-            call.start();
-            operation(std::move(completion));
+            operation(Done{Completer{call}});
         } catch (...) {
             call.onThrew();
             throw;
@@ -36,6 +37,8 @@ public:
     }
 
 private:
+    static void deallocate(void* block) { ::operator delete(block); }
+
     /// What the device has of a call.
     class Completer {
     public:
@@ -60,6 +63,14 @@ private:
                 m_call->release();
         }
 
+        // A completion keeps it in memory of its own; most often that of the thread's last one.
+        static void* operator new(std::size_t size)
+        {
+            auto* const block = Block::take();
+            return block ? block : ::operator new(size);
+        }
+        static void operator delete(void* block) noexcept { Block::keep(block); }
+
         template <class... Outcome>
         void operator()(Outcome&&... outcome) const
         {
@@ -67,6 +78,8 @@ private:
         }
 
     private:
+        using Block = AtHand<void, &deallocate>;
+
         Request* m_call;
     };
 

@@ -33,6 +33,20 @@ struct Outcome {
 const std::error_code success;
 const std::error_code failure = std::make_error_code(std::errc::io_error);
 
+/// How long a request may take in these tests: long enough for a thread that has to wait for its turn.
+constexpr std::chrono::milliseconds limit{300};
+
+/// Notifies progress for longer than a request may take without.
+template <class Observer>
+void progress(Observer& observer, void (Observer::*notification)(unsigned int, unsigned int))
+{
+    const auto end = std::chrono::steady_clock::now() + 2 * limit;
+    for (unsigned int i = 0; std::chrono::steady_clock::now() < end; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds{5});
+        (observer.*notification)(i, i);
+    }
+}
+
 } // namespace
 
 /// A guarded device that offers a mock of an interface.
@@ -115,7 +129,7 @@ protected:
     std::shared_ptr<NiceMock<Mock>> mock = std::make_shared<NiceMock<Mock>>();
     std::shared_ptr<tests::FakeVna> device = std::make_shared<tests::FakeVna>();
     std::shared_ptr<BreachLog> breaches = std::make_shared<BreachLog>();
-    std::shared_ptr<sdk::IVna> guarded = tarn::guard::guarded(device, {std::chrono::milliseconds{60}, breaches});
+    std::shared_ptr<sdk::IVna> guarded = tarn::guard::guarded(device, {limit, breaches});
 };
 
 class GuardedFileMemory : public Guarded<FileMemory, tests::MockFileMemoryControl> { };
@@ -186,8 +200,7 @@ TEST_F(GuardedMemoryOperations, PassesObserversAndItsQueryOn)
 
 TEST_F(GuardedMemoryOperations, WaitsAsLongAsThereIsProgressOfAnyKind)
 {
-    using namespace std::chrono_literals;
-    for (const Notification progress :
+    for (const Notification notification :
          {&Observer::onReadProgressChanged, &Observer::onWriteProgressChanged, &Observer::onEraseProgressChanged,
           &Observer::onIntegrityCheckProgressChanged}) {
         device->offer<IMemoryOperationsControl>(
@@ -197,10 +210,7 @@ TEST_F(GuardedMemoryOperations, WaitsAsLongAsThereIsProgressOfAnyKind)
         std::jthread thread;
         EXPECT_CALL(*mock, erase).WillOnce([&](sdk::Completion<> done) {
             thread = std::jthread{[&, done = std::move(done)] {
-                for (unsigned int i = 0; i < 20; ++i) { // for several times the limit
-                    std::this_thread::sleep_for(10ms);
-                    (observer->*progress)(i, 20);
-                }
+                progress(*observer, notification);
                 done({});
             }};
         });
@@ -256,10 +266,7 @@ TEST_F(GuardedSerialNumber, WaitsAsLongAsAWriteProgresses)
     std::jthread thread;
     EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](unsigned int, sdk::Completion<> done) {
         thread = std::jthread{[&, done = std::move(done)] {
-            for (unsigned int i = 0; i < 20; ++i) { // for several times the limit
-                std::this_thread::sleep_for(std::chrono::milliseconds{10});
-                observer->onWriteProgressChanged(i, 20);
-            }
+            progress(*observer, &Observer::onWriteProgressChanged);
             done({});
         }};
     });
