@@ -14,7 +14,7 @@ namespace tarn::console {
 
 namespace {
 
-const SourceFile file{"a file", "some example"};
+const SourceFile damagedFile{"a file", "some example"};
 
 /// Damages a text in some places, the same way in every run.
 class Mutator {
@@ -88,9 +88,9 @@ void fuzz(const std::string& example, Read read, Write write)
     for (int run = 0; run < 3'000; ++run) {
         const auto text = mutator.damaged(example);
         try {
-            const auto data = read(file, QByteArray::fromStdString(text));
+            const auto data = read(damagedFile, QByteArray::fromStdString(text));
             ++accepted;
-            ASSERT_EQ(read(file, QByteArray::fromStdString(write(data))), data) << text;
+            ASSERT_EQ(read(damagedFile, QByteArray::fromStdString(write(data))), data) << text;
         } catch (const Error& error) {
             ++refused;
             ASSERT_EQ(error.code(), ErrorCode::LocalFile) << text;
