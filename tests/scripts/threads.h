@@ -86,15 +86,15 @@ public:
     virtual void onOtherEvent() = 0; // incomplete
 };
 
-/// Threads: bound to its thread; at once.
+/// What Q_OBJECT declares is not asked for.
 class Object : public QObject {
     Q_OBJECT
 
 public:
-    void member();
+    Object(const Object&)=delete;
 
 signals:
-    void changed();
+    void changed(); // missing
 };
 
 /// The word Threads: in the midst of a paragraph says nothing.
@@ -105,15 +105,16 @@ void freeAndDocumented();
 
 } // namespace fixture
 
-/// Threads: reentrant; at once.
+/// Threads: reentrant; at once. A namespace speaks for nobody: other headers open it, too.
 namespace fixture::values {
 
-void spokenForByTheNamespace();
+void notSpokenForByTheNamespace(); // missing
 
+/// Threads: reentrant; at once.
 struct Value {
     int number;
     friend bool operator==(const Value&, const Value&) = default;
-    void member(); // missing
+    void member();
 };
 
 } // namespace fixture::values
