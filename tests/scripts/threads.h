@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-/// What `scripts/threads --self-test` reads. The lines that it must find end in a comment that says so.
+/// What `scripts/threads` tries itself on. The lines that it must find end in a comment that says so.
 namespace fixture {
 
 /// A class that says it for its members.
@@ -70,11 +70,28 @@ class Template {
 public:
     void member(Type value); // missing
     void defined(); // missing
+
+private:
+    void hidden();
 };
 
 template <class Type>
 void Template<Type>::defined()
 {
+}
+
+template <class Type>
+class Template<Type*> {
+public:
+    void member(); // missing
+};
+
+struct Silent {
+    void member(); // missing
+};
+
+extern "C" {
+void plain(); // missing
 }
 
 /// Threads: called on the thread of the device, with no lock held.
@@ -91,7 +108,7 @@ class Object : public QObject {
     Q_OBJECT
 
 public:
-    Object(const Object&)=delete;
+    Object(const Object&) = delete;
 
 signals:
     void changed(); // missing

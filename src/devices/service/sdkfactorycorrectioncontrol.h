@@ -24,8 +24,8 @@ public:
     static constexpr std::uint64_t registryKey = 0x1a94c41b6c234d42;
 
     /// Threads: called on a thread of the device, with no lock held; by `onControlsAvailable()`, which
-    /// walks the observers, with the lifecycle mutex of `InstrumentControls` held: from inside of that
-    /// an observer must not add or remove one.
+    /// walks the observers, with the lifecycle mutex of `InstrumentControls` held. An observer must not
+    /// add or remove one from inside.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
