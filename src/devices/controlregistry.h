@@ -14,7 +14,7 @@ namespace tarn::devices {
 
 /// The host's list of the controls that it can create for a device, by registry key.
 ///
-/// Threads: reentrant. Filled at start-up on one thread; from then on any thread may read it.
+/// Threads: reentrant; at once. Filled at start-up on one thread; from then on any thread may read it.
 class TARN_DEVICES_EXPORT ControlRegistry {
 public:
     /// One control: its registry key and the function that creates it. The function takes a
@@ -26,6 +26,8 @@ public:
     };
 
     /// An entry whose creation function knows its device type.
+    ///
+    /// Threads: reentrant; at once.
     template <class Device>
     struct ControlEntry {
         std::uint64_t key;

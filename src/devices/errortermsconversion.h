@@ -7,7 +7,9 @@
 namespace tarn::devices {
 
 /// The SDK's form of `terms`: the same numbers, ordered by term instead of by frequency point.
-/// Nothing is scaled, sorted, left out or checked. Reentrant.
+/// Nothing is scaled, sorted, left out or checked.
+///
+/// Threads: reentrant; at once.
 ///
 /// An example, with the terms in the sense of R. B. Marks, "Formulations of the Basic Vector Network
 /// Analyzer Error Model Including Switch-Terms", 50th ARFTG Conference Digest, 1997. Two ports at

@@ -21,11 +21,15 @@ enum class FactoryCorrection {
     ReferenceOscillator, ///< frequency of the built-in reference oscillator
 };
 
-/// The SDK's bit of `correction`; no bit for a value without an enumerator. Reentrant.
+/// The SDK's bit of `correction`; no bit for a value without an enumerator.
+///
+/// Threads: reentrant; at once.
 [[nodiscard]] TARN_DEVICES_EXPORT sdk::CorrectionFlag toSdkCorrection(FactoryCorrection correction);
 
 /// The correction of a single bit; nothing for a bit without a counterpart here, and for any other
-/// number of bits. Reentrant.
+/// number of bits.
+///
+/// Threads: reentrant; at once.
 [[nodiscard]] TARN_DEVICES_EXPORT std::optional<FactoryCorrection> fromSdkCorrection(sdk::CorrectionFlag flag);
 
 } // namespace tarn::devices

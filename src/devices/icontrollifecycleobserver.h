@@ -5,7 +5,12 @@
 namespace tarn::devices {
 
 /// Implemented by those controls that keep observers attached to the SDK. The host finds it by a
-/// `dynamic_cast` from the control and calls it from one thread at a time.
+/// `dynamic_cast` from the control.
+///
+/// Threads: called on the thread on which the device brings the notification, one at a time, with the
+/// lifecycle mutex of `InstrumentControls` held; another host calls it one at a time as well. An
+/// implementation calls through, and to detach blocks while a notification of its own runs on another
+/// thread.
 class TARN_DEVICES_EXPORT IControlLifecycleObserver {
 public:
     IControlLifecycleObserver() = default;

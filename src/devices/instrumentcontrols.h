@@ -29,23 +29,32 @@ struct ControlTypes { };
 /// The device lives as long as this object and every control that it has handed out, so a control
 /// is always gone before its device. A control that outlives this object is notified no more.
 ///
-/// Threads: thread-safe. The notifications are forwarded on the thread on which the device
-/// delivers them, to one control after the other; what one of them throws keeps no other from
-/// being notified or created, and reaches the device at the end. Creation and forwarding exclude
-/// each other, so that no control misses a notification while it is being created; do not destroy
-/// this object from inside one.
+/// Threads: thread-safe; at once.
+///
+/// The notifications are forwarded on the thread on which the device delivers them, to one control
+/// after the other, with the lifecycle mutex held; what one of them throws keeps no other from being
+/// notified or created, and reaches the device at the end. Creation holds that mutex, too, so that no
+/// control misses a notification while it is being created.
 class TARN_DEVICES_EXPORT InstrumentControls final : private sdk::IVna::Observer {
 public:
     /// Creates the controls that `device` (never null) offers among those of `registry`, which must
     /// outlive this object. `Types` are the public types of the registry's controls; one whose type
     /// is missing there throws `std::logic_error`, naming its key. What a creation function throws
     /// passes through, and nothing is kept.
+    ///
+    /// Threads: reentrant; calls through with the lifecycle mutex held, and blocks while the device
+    /// brings a notification on another thread.
     template <class... Types>
     InstrumentControls(std::shared_ptr<sdk::IVna> device, const ControlRegistry& registry, ControlTypes<Types...>)
         : InstrumentControls{std::move(device), registry, std::vector<LifecycleCast>{&lifecycleObserver<Types>...}}
     {
     }
 
+    /// Gives up the controls that nobody else holds. Not from inside a notification of the device,
+    /// which may go with them.
+    ///
+    /// Threads: reentrant; blocks while a notification of the device, or of a control that it gives up,
+    /// runs on another thread.
     ~InstrumentControls() override;
 
     /// The control under `registryKey`, or null when the instrument has not offered it or it is
@@ -65,6 +74,9 @@ public:
     /// Runs `operation` while no control is being created or notified, for those operations of a
     /// control that must not meet a lifecycle notification. Never call it from inside one: it would
     /// wait for itself. What `operation` throws passes through.
+    ///
+    /// Threads: thread-safe; blocks while controls are created or notified on another thread; calls
+    /// `operation` on the caller's thread with the lifecycle mutex held.
     template <class Operation>
     void undisturbed(Operation operation) const
     {

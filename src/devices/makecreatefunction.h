@@ -15,10 +15,12 @@ namespace tarn::devices {
 /// not offer the control under `key` (or there is no device).
 ///
 /// `Adapter` is constructed from a `ReacquiringControl<SdkIface>` and converts to `PublicIface`.
-/// The creation function is thread-safe and asks the device twice: once to see whether there is
+/// The creation function asks the device twice: once to see whether there is
 /// such a control, once for the adapter's own first handle. The adapter keeps the device pointer
 /// without owning it: destroy the control before the device. Exceptions of the device, of the
 /// adapter's constructor and of the allocation pass through.
+///
+/// Threads: thread-safe; at once. The creation function is thread-safe and calls through.
 template <class Device, class SdkIface, class PublicIface, class Adapter, class Key>
 [[nodiscard]] std::function<std::any(Device*)> makeCreateFunction(Key key)
 {

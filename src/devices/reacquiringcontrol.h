@@ -14,8 +14,8 @@ namespace tarn::devices {
 /// from the device once it has expired. It never keeps the control alive beyond one result of
 /// `lock()`.
 ///
-/// Threads: `lock()` is thread-safe. The mutex guards the cached handle alone and is never held
-/// while the device or a control is called.
+/// Threads: thread-safe; calls through, as the reacquire function does. The mutex guards the cached
+/// handle alone and is never held while the device or a control is called.
 template <class T>
 class ReacquiringControl {
 public:
@@ -31,6 +31,8 @@ public:
 
     /// Takes over the function and the cached handle. The source keeps its handle but can no
     /// longer ask the device. Not noexcept: the mutex of the source, taken for the handle, can fail.
+    ///
+    /// Threads: reentrant; at once. Nobody else may be using `other`.
     // NOLINTNEXTLINE(*-noexcept-move*)
     ReacquiringControl(ReacquiringControl&& other)
         : m_reacquire{std::exchange(other.m_reacquire, nullptr)}

@@ -12,8 +12,12 @@ enum class Error {
     TimedOut, ///< the device took longer than the limit
 };
 
+/// The category of these errors.
+///
+/// Threads: thread-safe; at once.
 [[nodiscard]] TARN_GUARD_EXPORT const std::error_category& errorCategory() noexcept;
 
+/// Threads: thread-safe; at once.
 // NOLINTNEXTLINE(readability-identifier-naming): the standard library looks for this name
 [[nodiscard]] inline std::error_code make_error_code(Error error) noexcept
 {

@@ -39,8 +39,10 @@ public:
     IBreachObserver& operator=(const IBreachObserver&) = delete;
     virtual ~IBreachObserver() = default;
 
-    /// Called on the thread that noticed: one of the device, the caller's, or the guard's own. Several may call at
-    /// once; no lock is held. A request that the guard ends has not ended yet: its caller waits for this to return.
+    /// A request that the guard ends has not ended yet: its caller waits for this to return.
+    ///
+    /// Threads: called on the thread that noticed, one of the device, the caller's or the guard's own, by several at a
+    /// time, with no lock held.
     virtual void onBreach(const BreachReport& report) noexcept = 0;
 };
 
@@ -59,8 +61,9 @@ struct Options {
 /// A handle to a guarded control lives and dies with the device's control. Guarded controls can be used after the
 /// guarded device has gone, as far as those of `device` can.
 ///
-/// Threads: thread-safe, as the device. A call that is held up inside the device stays held up: the observer learns of
-/// it, and what the device completes later is harmless.
+/// Threads: thread-safe; at once. The first call starts the guard's thread. What it returns is thread-safe, as `device`
+/// is. A call that is held up inside the device stays held up: the observer learns of it, and what the device completes
+/// later is harmless.
 [[nodiscard]] TARN_GUARD_EXPORT std::shared_ptr<sdk::IVna> guarded(std::shared_ptr<sdk::IVna> device, Options options);
 
 } // namespace tarn::guard

@@ -50,8 +50,10 @@ struct OpenRequest {
 
 /// How a host gets a device. Implemented by a Qt plug-in whose root object derives from it.
 ///
-/// Threads: a provider is used on one thread. The devices that it opens are independent of each
-/// other and outlive neither the provider nor its plug-in.
+/// Threads: bound to the thread that uses it first; at once.
+///
+/// The devices that it opens are independent of each other and outlive neither the provider nor its
+/// plug-in.
 class SDK_API IDeviceProvider {
 public:
     IDeviceProvider() = default;
@@ -76,7 +78,9 @@ public:
     /// The instruments that can be opened now; the first one is the default.
     [[nodiscard]] virtual QList<Address> addresses() const = 0;
 
-    /// Connects to an instrument. May block while it connects or waits for another holder.
+    /// Connects to an instrument.
+    ///
+    /// Threads: bound to the same thread; blocks while it connects or waits for another holder.
     [[nodiscard]] virtual std::expected<std::shared_ptr<sdk::IVna>, OpenError> open(const OpenRequest& request) = 0;
 };
 

@@ -8,8 +8,10 @@ namespace sdk {
 /// reference to the ownership record of whoever owns it.
 ///
 /// A handle has expired once the SDK has dropped the last owning reference. Handles are values:
-/// copying one copies the weak reference. Reentrant; a single handle must not be assigned in one
-/// thread while another uses it.
+/// copying one copies the weak reference.
+///
+/// Threads: reentrant; at once. A single handle must not be assigned in one thread while another uses
+/// it.
 template <class T>
 class ControlHandle {
 public:

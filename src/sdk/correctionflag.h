@@ -22,12 +22,16 @@ enum class CorrectionFlag : std::uint16_t {
 };
 
 /// The corrections that are in `a`, in `b` or in both.
+///
+/// Threads: reentrant; at once.
 [[nodiscard]] constexpr CorrectionFlag operator|(CorrectionFlag a, CorrectionFlag b) noexcept
 {
     return static_cast<CorrectionFlag>(static_cast<std::uint16_t>(a) | static_cast<std::uint16_t>(b));
 }
 
 /// The corrections that are in both `a` and `b`.
+///
+/// Threads: reentrant; at once.
 [[nodiscard]] constexpr CorrectionFlag operator&(CorrectionFlag a, CorrectionFlag b) noexcept
 {
     return static_cast<CorrectionFlag>(static_cast<std::uint16_t>(a) & static_cast<std::uint16_t>(b));

@@ -8,13 +8,13 @@ namespace sdk {
 
 /// The corrections that were stored in the instrument at the factory, and their switches.
 ///
-/// Threads: every operation is thread-safe and returns at once.
+/// Threads: thread-safe; at once, `setEnabled` when the instrument has taken it.
 class SDK_API IFactoryCorrectionControl {
 public:
     static constexpr Key key{0xc425cf06760ca2b4};
 
-    /// Called on a thread of the device's own choosing, one notification at a time, with no lock
-    /// held; an observer may call any operation of the control.
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
+    /// lock held; an observer may call any operation of the control.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -60,6 +60,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 };
 

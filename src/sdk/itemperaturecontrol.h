@@ -10,8 +10,7 @@ namespace sdk {
 
 /// The temperatures of the instrument and of its modules, in degrees Celsius.
 ///
-/// Threads: every operation is thread-safe and returns at once; the values are those of the
-/// instrument's last measurement.
+/// Threads: thread-safe; at once: the values are those of the instrument's last measurement.
 class SDK_API ITemperatureControl {
 public:
     static constexpr Key key{0xddcecfebdb4f5570};
@@ -19,6 +18,8 @@ public:
     /// Temperature in degrees Celsius by module name (UTF-8, unique).
     using ModuleTemperatures = std::unordered_map<std::string, float>;
 
+    /// Threads: called on a thread of the device's own choosing, with no lock held; the observer may
+    /// call any operation of the control and of the device.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -26,8 +27,7 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
-        /// New values were measured. Called on a thread of the device's own choosing with no
-        /// lock held; the observer may call any operation of the control and of the device.
+        /// New values were measured.
         virtual void onTemperatureChanged() = 0;
     };
 
@@ -53,6 +53,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 };
 

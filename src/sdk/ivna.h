@@ -14,9 +14,11 @@ namespace sdk {
 /// a control therefore keeps a `ControlHandle` between operations and an owning reference only
 /// during one.
 ///
-/// Threads: every operation is thread-safe. Notifications, those of the controls included, arrive
-/// on a thread of the device's own choosing, and the device holds no lock of its own while it
-/// delivers them. Those of the device itself come one at a time. Neither an operation of the
+/// Threads: thread-safe; at once or when the instrument has taken it.
+///
+/// Notifications, those of the controls included, arrive on a thread of the device's own choosing,
+/// and the device holds no lock of its own while it delivers them. Those of the device itself come
+/// one at a time. Neither an operation of the
 /// device nor one of a control that has no completion delivers a notification or waits for one to
 /// be delivered, `removeObserver` excepted. What an observer throws ends with that observer: the
 /// others are notified all the same.
@@ -27,6 +29,9 @@ class SDK_API IVna {
 public:
     /// Learns when the device's controls come and go. A host forwards both notifications to those
     /// of its objects that keep observers attached to controls.
+    ///
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
+    /// lock held.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -69,6 +74,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 
     /// The model that the instrument identifies itself as.

@@ -4,7 +4,9 @@
 
 namespace sdk {
 
-/// An instrument model, identified by its name. Cheap to copy; reentrant.
+/// An instrument model, identified by its name. Cheap to copy.
+///
+/// Threads: reentrant; at once.
 class Model {
 public:
     /// `name` is the model name as printed on the instrument. It is not copied and must live as

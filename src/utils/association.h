@@ -6,6 +6,8 @@ namespace tarn::utils {
 /// associations are equal exactly when they refer to the same object.
 ///
 /// It tracks no lifetime: whoever registers an observer removes it before the observer goes.
+///
+/// Threads: reentrant; at once.
 template <class T>
 class Association {
 public:

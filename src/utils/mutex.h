@@ -8,6 +8,8 @@ namespace tarn::utils {
 
 /// A `std::mutex` that the compiler's lock analysis knows. Locking can fail as the standard one
 /// does, with `std::system_error`.
+///
+/// Threads: thread-safe; `lock` blocks while another thread holds it.
 class TARN_CAPABILITY("mutex") Mutex {
 public:
     void lock() TARN_ACQUIRE() { m_mutex.lock(); }
@@ -18,6 +20,8 @@ private:
 };
 
 /// Holds a `Mutex` for the length of a scope.
+///
+/// Threads: bound to the thread that made it; making it blocks while another thread holds the mutex.
 class TARN_SCOPED_CAPABILITY MutexLock {
 public:
     explicit MutexLock(Mutex& mutex) TARN_ACQUIRE(mutex)

@@ -8,7 +8,9 @@
 
 namespace tarn::utils {
 
-/// An ordered list of observers behind a mutex. Thread-safe.
+/// An ordered list of observers behind a mutex.
+///
+/// Threads: thread-safe; blocks while another thread notifies; calls the observers with the mutex held.
 ///
 /// The mutex is held for the whole of a notification, deliberately: once `remove` has returned,
 /// the observer is not being notified and never will be again. The price is that an observer must

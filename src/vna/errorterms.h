@@ -32,7 +32,9 @@ struct TransmissionTerms {
 /// reflection terms of every port and the transmission terms of every ordered pair of different
 /// ports. For two ports this is the twelve-term model. All terms are linear and complex.
 ///
-/// Ports carry their numbers, from 1. Always complete: a term that was not set is 0. Reentrant.
+/// Ports carry their numbers, from 1. Always complete: a term that was not set is 0.
+///
+/// Threads: reentrant; at once.
 class ErrorTerms {
 public:
     /// No port and no frequency.

@@ -14,8 +14,8 @@ namespace tarn::devices::service {
 
 /// The small file store in the instrument's non-volatile memory.
 ///
-/// Threads: thread-safe. Every operation blocks, without a time limit, until the instrument has
-/// answered; never call one from inside a completion or a notification of the device.
+/// Threads: thread-safe; blocks until the instrument has answered. Never call an operation from inside
+/// a completion or a notification of the device.
 ///
 /// Errors are texts for an engineer: the instrument's own words, or `unavailableMessage` when the
 /// instrument does not offer the control or its file memory cannot be used; then no request was

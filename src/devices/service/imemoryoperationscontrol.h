@@ -13,10 +13,11 @@ namespace tarn::devices::service {
 
 /// Operations on the instrument's non-volatile memory as a whole.
 ///
-/// Threads: thread-safe. `read`, `write`, `erase` and `integrityCheck` block, without a time limit,
-/// until the instrument has answered; never call one from inside a completion or a notification of
-/// the device. They yield `Error::Failed` at once, without a request, while the instrument does not
-/// offer the control. Exceptions of the device pass through.
+/// `read`, `write`, `erase` and `integrityCheck` yield `Error::Failed`, without a request, while the
+/// instrument does not offer the control. Exceptions of the device pass through.
+///
+/// Threads: thread-safe; blocks until the instrument has answered. Never call an operation from inside
+/// a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT IMemoryOperationsControl {
 public:
     static constexpr std::uint64_t registryKey = 0x5664961726404671;
@@ -25,9 +26,10 @@ public:
         Failed = 0, ///< the instrument reported an error, or does not offer the control
     };
 
-    /// Learns how far an operation has come, whoever started it; the counts are bytes. Called on
-    /// the device's thread with the list of observers locked: an observer must not add or remove
-    /// one from inside. Once `removeObserver` has returned it is not called any more.
+    /// Learns how far an operation has come, whoever started it; the counts are bytes.
+    ///
+    /// Threads: called on a thread of the device, with the mutex of the list of observers held: an
+    /// observer must not add or remove one from inside.
     class TARN_DEVICES_SERVICE_EXPORT IObserver {
     public:
         IObserver() = default;
@@ -60,9 +62,13 @@ public:
 
     /// Appends `observer`, whether or not the instrument offers the control. Added twice, it is
     /// notified twice. It stays through any number of drops and offers.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void addObserver(utils::Association<IObserver> observer) = 0;
 
-    /// Removes every entry of `observer`.
+    /// Removes every entry of `observer`, which is not called any more once this has returned.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void removeObserver(utils::Association<IObserver> observer) = 0;
 };
 

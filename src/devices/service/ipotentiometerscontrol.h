@@ -12,11 +12,12 @@ namespace tarn::devices::service {
 /// The digital potentiometers of the instrument. Each has a value in RAM, which acts at once and
 /// is lost when the power goes, and one in EEPROM.
 ///
-/// Threads: thread-safe. The reads and writes block, without a time limit, until the instrument has
-/// answered; never call one from inside a completion or a notification of the device. They yield
-/// `Error::Failed` at once, without a request, while the instrument does not offer the control. An
-/// index or a value out of range is the instrument's to refuse. Exceptions of the device pass
-/// through.
+/// The reads and writes yield `Error::Failed`, without a request, while the instrument does not offer
+/// the control. An index or a value out of range is the instrument's to refuse. Exceptions of the
+/// device pass through.
+///
+/// Threads: thread-safe; blocks until the instrument has answered. Never call an operation but
+/// `potentiometers` from inside a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT IPotentiometersControl {
 public:
     static constexpr std::uint64_t registryKey = 0xc51b6fb2ae2584d2;
@@ -40,6 +41,8 @@ public:
 
     /// All potentiometers; the position in the list is the index that the other operations take.
     /// Empty while the instrument does not offer the control.
+    ///
+    /// Threads: thread-safe; calls through.
     [[nodiscard]] virtual std::vector<Potentiometer> potentiometers() const = 0;
 
     /// The EEPROM value of a potentiometer.

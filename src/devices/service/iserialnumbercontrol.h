@@ -11,10 +11,11 @@ namespace tarn::devices::service {
 
 /// The serial number of the instrument, kept in its memory.
 ///
-/// Threads: thread-safe. The read and the write block, without a time limit, until the instrument
-/// has answered; never call one from inside a completion or a notification of the device. They
-/// yield `Error::Failed` at once, without a request, while the instrument does not offer the
-/// control. Exceptions of the device pass through.
+/// The read and the write yield `Error::Failed`, without a request, while the instrument does not offer
+/// the control. Exceptions of the device pass through.
+///
+/// Threads: thread-safe; blocks until the instrument has answered. Never call an operation from inside
+/// a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT ISerialNumberControl {
 public:
     static constexpr std::uint64_t registryKey = 0x2e23977c2578988d;
@@ -23,9 +24,10 @@ public:
         Failed = 0, ///< the instrument reported an error, or does not offer the control
     };
 
-    /// Learns how far a write has come, whoever started it. Called on the device's thread with the
-    /// list of observers locked: an observer must not add or remove one from inside. Once
-    /// `removeObserver` has returned it is not called any more.
+    /// Learns how far a write has come, whoever started it.
+    ///
+    /// Threads: called on a thread of the device, with the mutex of the list of observers held: an
+    /// observer must not add or remove one from inside.
     class TARN_DEVICES_SERVICE_EXPORT IObserver {
     public:
         IObserver() = default;
@@ -49,9 +51,13 @@ public:
 
     /// Appends `observer`, whether or not the instrument offers the control. Added twice, it is
     /// notified twice. It stays through any number of drops and offers.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void addObserver(utils::Association<IObserver> observer) = 0;
 
-    /// Removes every entry of `observer`.
+    /// Removes every entry of `observer`, which is not called any more once this has returned.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void removeObserver(utils::Association<IObserver> observer) = 0;
 };
 

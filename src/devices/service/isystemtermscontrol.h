@@ -14,7 +14,9 @@ namespace tarn::devices::service {
 
 /// The system error terms that the instrument stores and corrects its measurements with.
 ///
-/// Threads: thread-safe; every operation returns at once. Exceptions of the device pass through.
+/// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT ISystemTermsControl {
 public:
     static constexpr std::uint64_t registryKey = 0x10b13a8fe293bf50;
@@ -37,8 +39,8 @@ public:
     /// `onErrorOccurred` alone; every other begins with `onWriteStarted` and ends with either
     /// `onWriteFinished` or `onErrorOccurred`.
     ///
-    /// Called on the device's thread with the list of observers locked: an observer must not add
-    /// or remove one from inside. Once `removeObserver` has returned it is not called any more.
+    /// Threads: called on a thread of the device, with the mutex of the list of observers held: an
+    /// observer must not add or remove one from inside.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
@@ -79,9 +81,13 @@ public:
 
     /// Appends `observer`, whether or not the instrument offers the control. Added twice, it is
     /// notified twice. It stays through any number of drops and offers.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void addObserver(utils::Association<Observer> observer) = 0;
 
-    /// Removes every entry of `observer`.
+    /// Removes every entry of `observer`, which is not called any more once this has returned.
+    ///
+    /// Threads: thread-safe; blocks while observers are notified on another thread.
     virtual void removeObserver(utils::Association<Observer> observer) = 0;
 };
 

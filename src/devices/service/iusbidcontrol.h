@@ -12,7 +12,9 @@ namespace tarn::devices::service {
 
 /// The USB identity that the instrument reports to a host, and those that it can be given.
 ///
-/// Threads: thread-safe. The queries return at once. Exceptions of the device pass through.
+/// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT IUsbIdControl {
 public:
     static constexpr std::uint64_t registryKey = 0xec20f733872b6ac0;
@@ -48,9 +50,11 @@ public:
     /// offer the control.
     [[nodiscard]] virtual std::vector<DeviceProperties> supportedDevices() const = 0;
 
-    /// Writes a new identity and tells whether the instrument took it; `false` at once while it
-    /// does not offer the control. Blocks, without a time limit, until the instrument has answered;
-    /// never call it from inside a completion or a notification of the device.
+    /// Writes a new identity and tells whether the instrument took it; `false`, without a request,
+    /// while it does not offer the control.
+    ///
+    /// Threads: thread-safe; blocks until the instrument has answered. Never call it from inside a
+    /// completion or a notification of the device.
     [[nodiscard]] virtual bool writeUsbId(const UsbId& usbId) = 0;
 };
 

@@ -11,6 +11,8 @@ struct Progress {
 };
 
 /// The record for the SDK's notification `(done, total)`: the second argument comes first.
+///
+/// Threads: reentrant; at once.
 [[nodiscard]] constexpr Progress fromSdkProgress(unsigned int done, unsigned int total) noexcept
 {
     return {total, done};

@@ -16,7 +16,7 @@ namespace tarn::devices::service {
 /// One of the instrument's calibration controllers, and signals that tell when it comes and goes.
 /// An instrument may have two; each has a handle of its own under a registry key of its own.
 ///
-/// Threads: `lock()` is thread-safe.
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkCalibrationControlHandle final : public QObject, public IControlLifecycleObserver {
     Q_OBJECT
 
@@ -40,11 +40,15 @@ public:
     void onControlsAvailable() override;
 
 signals:
-    /// The device is about to drop the controller. Emitted on the thread that brought the
-    /// notification, with no lock of this object held.
+    /// The device is about to drop the controller.
+    ///
+    /// Threads: slots are called on the thread that brought the notification or on the receiver's own,
+    /// in the former case with the lifecycle mutex of `InstrumentControls` held.
     void controlsAboutToBeReleased();
 
-    /// The controller can be obtained (again). Emitted in the same way.
+    /// The controller can be obtained (again).
+    ///
+    /// Threads: slots are called on the same threads, with the same mutex held.
     void controlsAvailable();
 
 private:

@@ -12,10 +12,12 @@ namespace tarn::devices::service {
 /// Turns the notifications of a calibration controller into signals, through any number of drops
 /// and offers.
 ///
-/// Threads: belongs to the thread that created it. The signals bring no data with them but the per
-/// cent; they are emitted on the device's thread, and after a new offer on the watcher's own.
-/// The handle's signals reach the watcher at once if they are emitted on the watcher's thread,
-/// otherwise by way of that thread's event loop.
+/// Threads: bound to the thread that created it; calls through, and to detach blocks while one of its
+/// notifications runs on another thread.
+///
+/// The signals bring no data with them but the per cent; they are emitted on the device's thread, and
+/// after a new offer on the watcher's own. The handle's signals reach the watcher at once if they are
+/// emitted on the watcher's thread, otherwise by way of that thread's event loop.
 class TARN_DEVICES_SERVICE_EXPORT SdkCalibrationControlWatcher final : public QObject {
     Q_OBJECT
 
@@ -37,13 +39,19 @@ public:
 
 signals:
     /// The status of a unit may have changed. After every new offer this comes first.
+    ///
+    /// Threads: slots are called on a thread of the device, or on the receiver's own, with no lock held.
     void unitStatusChanged();
 
     /// The saving of a unit has come this far. `percent` is rounded down, 0 while the total is
     /// unknown, and not limited to 100.
+    ///
+    /// Threads: slots are called on the same threads, with no lock held.
     void saveProgressChanged(int percent);
 
     /// The list of units may have changed. After every new offer this comes second.
+    ///
+    /// Threads: slots are called on the same threads, with no lock held.
     void configurationChanged();
 
 private:

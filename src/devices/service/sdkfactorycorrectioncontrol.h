@@ -15,15 +15,17 @@ namespace tarn::devices::service {
 
 /// The corrections that were stored in the instrument at the factory, and their switches.
 ///
-/// Threads: the queries and `setEnabled` are thread-safe and return at once. `addObserver`,
-/// `removeObserver` and the lifecycle notifications must not run at the same time; see
-/// `InstrumentControls::undisturbed`. Exceptions of the device pass through.
+/// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through. No two of `addObserver`, `removeObserver`, a lifecycle
+/// notification and the destructor may run at the same time; see `InstrumentControls::undisturbed`.
 class TARN_DEVICES_SERVICE_EXPORT SdkFactoryCorrectionControl final : public IControlLifecycleObserver {
 public:
     static constexpr std::uint64_t registryKey = 0x1a94c41b6c234d42;
 
-    /// Called on the device's thread with no lock held, and by `onControlsAvailable()`, which walks
-    /// the observers: from inside of that an observer must not add or remove one.
+    /// Threads: called on a thread of the device, with no lock held; by `onControlsAvailable()`, which
+    /// walks the observers, with the lifecycle mutex of `InstrumentControls` held. An observer must not
+    /// add or remove one from inside.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
@@ -70,6 +72,8 @@ public:
     /// observer that was added already, change nothing. It stays through any number of drops and
     /// offers; after each new offer it is told that the supported and then that the valid
     /// corrections may have changed.
+    ///
+    /// Threads: bound to `InstrumentControls::undisturbed`; calls through.
     void addObserver(Observer* observer);
 
     /// Removes `observer`; once this has returned it is not called any more, except by a
@@ -78,6 +82,9 @@ public:
     /// While the instrument does not offer the control this does nothing, deliberately: the observer
     /// stays, is attached to the next control that is offered, and must live on until it has been
     /// removed while there is a control, or until this object is destroyed.
+    ///
+    /// Threads: bound to `InstrumentControls::undisturbed`; blocks while a notification of `observer`
+    /// runs on another thread.
     void removeObserver(Observer* observer);
 
     void onControlsAboutToBeReleased() override;

@@ -10,6 +10,7 @@ namespace tarn::devices::service {
 /// `IFileMemoryControl` over the SDK's control of the same name. See there.
 class TARN_DEVICES_SERVICE_EXPORT SdkFileMemoryControl final : public IFileMemoryControl {
 public:
+    /// Threads: reentrant; at once.
     explicit SdkFileMemoryControl(ReacquiringControl<sdk::service::IFileMemoryControl> control);
 
     [[nodiscard]] std::expected<QList<FileInfo>, QString> fileList() override;

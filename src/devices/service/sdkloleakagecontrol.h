@@ -10,8 +10,9 @@ namespace tarn::devices::service {
 
 /// The local-oscillator (LO) leakage function of the instrument.
 ///
-/// Threads: thread-safe; each operation calls the instrument without a lock of this library held.
 /// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkLoLeakageControl final {
 public:
     static constexpr std::uint64_t registryKey = 0x39ce7f28fb8c58bd;

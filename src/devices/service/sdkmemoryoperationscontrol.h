@@ -16,7 +16,14 @@ class SdkMemoryOperationsObserver;
 class TARN_DEVICES_SERVICE_EXPORT SdkMemoryOperationsControl final : public IMemoryOperationsControl,
                                                                      public IControlLifecycleObserver {
 public:
+    /// Attaches to the control, if the instrument offers it.
+    ///
+    /// Threads: reentrant; calls through.
     explicit SdkMemoryOperationsControl(ReacquiringControl<sdk::service::IMemoryOperationsControl> control);
+
+    /// Detaches. Not from inside a notification of this control, which walks its observers.
+    ///
+    /// Threads: reentrant; blocks while one runs on another thread.
     ~SdkMemoryOperationsControl() override;
 
     [[nodiscard]] std::expected<std::vector<std::byte>, Error> read() override;

@@ -10,6 +10,7 @@ namespace tarn::devices::service {
 /// `IPotentiometersControl` over the SDK's control of the same name. See there.
 class TARN_DEVICES_SERVICE_EXPORT SdkPotentiometersControl final : public IPotentiometersControl {
 public:
+    /// Threads: reentrant; at once.
     explicit SdkPotentiometersControl(ReacquiringControl<sdk::service::IPotentiometersControl> control);
 
     [[nodiscard]] std::vector<Potentiometer> potentiometers() const override;

@@ -19,8 +19,9 @@ namespace tarn::devices::service {
 /// what their comments name after "unavailable". Values are not checked here; the instrument judges
 /// them.
 ///
-/// Threads: thread-safe; each operation calls the instrument without a lock of this library held.
 /// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through, then emits signals on the caller's thread with no lock held.
 class TARN_DEVICES_SERVICE_EXPORT SdkQuillPowerControl final : public QObject {
     Q_OBJECT
 
@@ -163,7 +164,7 @@ public:
 
 signals:
     /// Each is emitted whenever the instrument has taken a value for what it is named after, whether
-    /// or not that differs from the one before: on the thread that set it, with no lock held.
+    /// or not that differs from the one before.
     void loPowerChanged();
     void rfPowerChanged();
     void syntPowerModeChanged();

@@ -14,7 +14,14 @@ namespace tarn::devices::service {
 class TARN_DEVICES_SERVICE_EXPORT SdkSerialNumberControl final : public ISerialNumberControl,
                                                                  public IControlLifecycleObserver {
 public:
+    /// Attaches to the control, if the instrument offers it.
+    ///
+    /// Threads: reentrant; calls through.
     explicit SdkSerialNumberControl(ReacquiringControl<sdk::service::IMemorySerialNumberControl> control);
+
+    /// Detaches. Not from inside a notification of this control, which walks its observers.
+    ///
+    /// Threads: reentrant; blocks while one runs on another thread.
     ~SdkSerialNumberControl() override;
 
     [[nodiscard]] std::expected<unsigned int, Error> serialNumber() const override;

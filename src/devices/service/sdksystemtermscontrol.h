@@ -14,7 +14,14 @@ namespace tarn::devices::service {
 class TARN_DEVICES_SERVICE_EXPORT SdkSystemTermsControl final : public ISystemTermsControl,
                                                                 public IControlLifecycleObserver {
 public:
+    /// Attaches to the control, if the instrument offers it.
+    ///
+    /// Threads: reentrant; calls through.
     explicit SdkSystemTermsControl(ReacquiringControl<sdk::service::ISystemTermsControl> control);
+
+    /// Detaches. Not from inside a notification of this control, which walks its observers.
+    ///
+    /// Threads: reentrant; blocks while one runs on another thread.
     ~SdkSystemTermsControl() override;
 
     [[nodiscard]] std::vector<vna::FrequencySegment> frequencyPlan() const override;

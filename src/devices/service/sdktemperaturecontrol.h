@@ -21,8 +21,9 @@ namespace tarn::devices::service {
 /// control becomes available; reading the snapshot never touches the instrument. While the
 /// instrument does not offer the control the last snapshot stays readable.
 ///
-/// Threads: `temperature()` and `modulesTemperature()` are thread-safe and never wait for the
-/// instrument. Exceptions of the device pass through to whoever delivers the notification.
+/// Exceptions of the device pass through to whoever delivers the notification.
+///
+/// Threads: thread-safe; at once.
 class TARN_DEVICES_SERVICE_EXPORT SdkTemperatureControl final : public QObject, public IControlLifecycleObserver {
     Q_OBJECT
 
@@ -36,8 +37,14 @@ public:
         friend bool operator==(const ModuleTemperature&, const ModuleTemperature&) = default;
     };
 
-    /// Reads the first snapshot, if the instrument offers the control. Emits nothing.
+    /// Attaches and reads the first snapshot, if the instrument offers the control. Emits nothing.
+    ///
+    /// Threads: reentrant; calls through.
     explicit SdkTemperatureControl(ReacquiringControl<sdk::ITemperatureControl> control);
+
+    /// Detaches. Not from inside a slot of this control.
+    ///
+    /// Threads: reentrant; blocks while a notification of this control runs on another thread.
     ~SdkTemperatureControl() override;
 
     /// The instrument's temperature at the last refresh; 0.0 before the first.
@@ -55,8 +62,11 @@ public:
 
 signals:
     /// A refresh was due: after every change that the instrument reports and after every return of
-    /// the control, whether or not a value differs or could be read. Emitted on the thread that
-    /// brought the notification, with no lock held.
+    /// the control, whether or not a value differs or could be read.
+    ///
+    /// Threads: slots are called on the thread that brought the notification or on the receiver's own, in
+    /// the former case with no lock held or, after a return of the control, with the lifecycle mutex of
+    /// `InstrumentControls` held.
     void temperaturesChanged();
 
 private:

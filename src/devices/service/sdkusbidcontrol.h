@@ -10,6 +10,7 @@ namespace tarn::devices::service {
 /// `IUsbIdControl` over the SDK's `IMemoryUsbIdControl`. See there.
 class TARN_DEVICES_SERVICE_EXPORT SdkMemoryUsbId final : public IUsbIdControl {
 public:
+    /// Threads: reentrant; at once.
     explicit SdkMemoryUsbId(ReacquiringControl<sdk::service::IMemoryUsbIdControl> control);
 
     [[nodiscard]] DeviceProperties currentDeviceProperties() const override;

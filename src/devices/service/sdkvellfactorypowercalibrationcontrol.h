@@ -19,8 +19,9 @@ class WriteObservers;
 /// The factory power calibration of a Vell instrument: what a power meter at the test port read
 /// over frequency and level.
 ///
-/// Threads: thread-safe; every operation returns at once and calls the instrument and the observers
-/// without a lock of this library held. Exceptions of the device pass through.
+/// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellFactoryPowerCalibrationControl final : public IControlLifecycleObserver {
 public:
     static constexpr std::uint64_t registryKey = 0xa95918a8462c534c;
@@ -50,7 +51,9 @@ public:
 
     /// Hears of every write, whoever asked for it. A write that is refused consists of `onError`
     /// alone; every other begins with `onWriteStarted` and ends with either `onWriteFinished` or
-    /// `onError`. Called on the device's thread with no lock held.
+    /// `onError`.
+    ///
+    /// Threads: called on a thread of the device, with no lock held.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
@@ -91,6 +94,8 @@ public:
     /// Removes `observer`, whether or not the instrument offers the control. Once this has returned
     /// it is not called any more, except by a notification that the calling thread itself is in the
     /// middle of.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     void removeObserver(Observer* observer);
 
     void onControlsAboutToBeReleased() override;

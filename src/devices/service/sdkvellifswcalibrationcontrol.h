@@ -18,8 +18,9 @@ class WriteObservers;
 /// The factory calibration of the intermediate-frequency (IF) switches in the receivers of a Vell
 /// instrument.
 ///
-/// Threads: thread-safe; every operation returns at once and calls the instrument and the observers
-/// without a lock of this library held. Exceptions of the device pass through.
+/// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellIfswCalibrationControl final : public IControlLifecycleObserver {
 public:
     static constexpr std::uint64_t registryKey = 0x2ab54beb7022049e;
@@ -69,7 +70,9 @@ public:
 
     /// Hears of every write, whoever asked for it. A write that is refused consists of `onError`
     /// alone; every other begins with `onWriteStarted` and ends with either `onWriteFinished` or
-    /// `onError`. Called on the device's thread with no lock held.
+    /// `onError`.
+    ///
+    /// Threads: called on a thread of the device, with no lock held.
     class TARN_DEVICES_SERVICE_EXPORT Observer {
     public:
         Observer() = default;
@@ -107,6 +110,8 @@ public:
     /// Removes `observer`, whether or not the instrument offers the control. Once this has returned
     /// it is not called any more, except by a notification that the calling thread itself is in the
     /// middle of.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     void removeObserver(Observer* observer);
 
     void onControlsAboutToBeReleased() override;

@@ -15,8 +15,9 @@ namespace tarn::devices::service {
 /// what their comments name after "unavailable". Values are not checked here; the instrument judges
 /// them.
 ///
-/// Threads: thread-safe; each operation calls the instrument without a lock of this library held.
 /// Exceptions of the device pass through.
+///
+/// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellSynthesisControl final {
 public:
     static constexpr std::uint64_t registryKey = 0xa045ab34ea41df44;

@@ -11,7 +11,7 @@ namespace sdk::service {
 /// The power stage of a Dorn device. Power, DAC and gain codes are numbers of the device's own,
 /// without a unit.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IDORNPowerControl {
 public:
     static constexpr Key key{0x2f10ddd457c35149};

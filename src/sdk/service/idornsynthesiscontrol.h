@@ -9,7 +9,7 @@ namespace sdk::service {
 
 /// The reference frequency of a Dorn device.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IDORNSynthesisControl {
 public:
     static constexpr Key key{0x53c0e0ba0de251e0};

@@ -12,8 +12,8 @@ namespace sdk::service {
 
 /// The small file store in the instrument's non-volatile memory.
 ///
-/// Threads: every operation is thread-safe. The asynchronous ones return at once and report their
-/// end through the completion; see `Completion` for what a binding guarantees. Requests may be
+/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
+/// for what a binding guarantees. Requests may be
 /// outstanding in any number and complete in any order.
 ///
 /// Errors are reported as error codes whose `message()` is fit to be shown to an engineer. A request

@@ -8,7 +8,7 @@ namespace sdk::service {
 /// The local-oscillator (LO) leakage function of the instrument. While it is on, the LO reaches
 /// the test ports.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ILoLeakageControl {
 public:
     static constexpr Key key{0x33f09cc532b7707a};

@@ -12,17 +12,18 @@ namespace sdk::service {
 /// Operations on the instrument's non-volatile memory as a whole: the image, bytes from the first
 /// address to the last.
 ///
-/// Threads: every operation is thread-safe. The asynchronous ones return at once and report their
-/// end through the completion; see `Completion` for what a binding guarantees. Only one runs at a
+/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
+/// for what a binding guarantees. Only one runs at a
 /// time; one that comes while another runs fails with an error code.
 class SDK_API IMemoryOperationsControl {
 public:
     static constexpr Key key{0x5d412bfd18b02258};
 
     /// Learns how far an operation has come. Each notification carries the bytes done and the
-    /// bytes to do, in this order; the counts of one operation never fall. Called on a thread of
-    /// the device's own choosing, one notification at a time, and before the completion of the
-    /// operation that it speaks of.
+    /// bytes to do, in this order; the counts of one operation never fall.
+    ///
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, before
+    /// the completion of the operation that it speaks of, with no lock held.
     class SDK_API IObserver {
     public:
         IObserver() = default;
@@ -64,6 +65,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(IObserver* observer) = 0;
 };
 

@@ -8,12 +8,14 @@ namespace sdk::service {
 
 /// The serial number of the instrument, kept in its memory.
 ///
-/// Threads: every operation is thread-safe. The asynchronous ones return at once and report their
-/// end through the completion; see `Completion` for what a binding guarantees.
+/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
+/// for what a binding guarantees.
 class SDK_API IMemorySerialNumberControl {
 public:
     static constexpr Key key{0x5c028b97cc332087};
 
+    /// Threads: called on a thread of the device's own choosing, before the completion of the write,
+    /// with no lock held.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -21,8 +23,7 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
-        /// A write has come this far: steps done and steps to do, in this order. Called on a
-        /// thread of the device's own choosing, before the completion of the write.
+        /// A write has come this far: steps done and steps to do, in this order.
         virtual void onWriteProgressChanged(unsigned int done, unsigned int total) = 0;
     };
 
@@ -47,6 +48,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 };
 

@@ -11,7 +11,7 @@ namespace sdk::service {
 /// The power stage of a Quill module. Power codes and attenuation steps are numbers of the
 /// module's own, without a unit.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IQuillPowerControl {
 public:
     static constexpr Key key{0x3c96bf415fccae8a};

@@ -9,7 +9,7 @@ namespace sdk::service {
 
 /// The synthesizer of a Quill module.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IQuillSynthesisControl {
 public:
     static constexpr Key key{0x7922b1012a0983af};

@@ -11,7 +11,7 @@ namespace sdk::service {
 /// The power module of a Sable device. DAC and DDS codes and attenuation steps are numbers of the
 /// module's own, without a unit.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ISablePowerModuleControl {
 public:
     static constexpr Key key{0x2601fd095cf599f2};

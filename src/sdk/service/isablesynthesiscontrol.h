@@ -13,7 +13,7 @@ namespace sdk::service {
 
 /// The synthesizer of a Sable device. Power codes are numbers of the device's own, without a unit.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ISableSynthesisControl {
 public:
     static constexpr Key key{0x71db0e7ec9bf38c7};

@@ -12,9 +12,9 @@ namespace sdk::service {
 /// The factory power calibration of a Vell instrument: what a power meter at the test port read
 /// over frequency and level.
 ///
-/// Threads: every operation is thread-safe and returns at once. A write is accepted without a
-/// word; what becomes of it is told to the observers. Writes are carried out one after the other,
-/// in the order in which they were asked for.
+/// Threads: thread-safe; at once. A write is accepted without a word; what becomes of it is told to
+/// the observers. Writes are carried out one after the other, in the order in which they were asked
+/// for.
 class SDK_API IVellFactoryPowerCalibrationControl {
 public:
     static constexpr Key key{0x4797d9e37c985d85};
@@ -47,9 +47,11 @@ public:
     /// alone. Every other begins with `onWriteStarted` and has exactly one end, either
     /// `onWriteFinished` or `onError`; the notifications of two writes never mix.
     ///
-    /// Called on a thread of the device's own choosing, one notification at a time. A control
-    /// that is dropped notifies no more; a write goes on nevertheless, and the observers of the
-    /// control that is offered next hear the rest of it, in any case its end.
+    /// A control that is dropped notifies no more; a write goes on nevertheless, and the observers of
+    /// the control that is offered next hear the rest of it, in any case its end.
+    ///
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
+    /// lock held.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -76,6 +78,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 
     /// The frequencies at which the power is to be measured.

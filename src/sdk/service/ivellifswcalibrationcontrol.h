@@ -12,9 +12,9 @@ namespace sdk::service {
 /// The factory calibration of the intermediate-frequency (IF) switches in the receivers of a Vell
 /// instrument.
 ///
-/// Threads: every operation is thread-safe and returns at once. A write is accepted without a
-/// word; what becomes of it is told to the observers. Writes are carried out one after the other,
-/// in the order in which they were asked for.
+/// Threads: thread-safe; at once. A write is accepted without a word; what becomes of it is told to
+/// the observers. Writes are carried out one after the other, in the order in which they were asked
+/// for.
 class SDK_API IVellIfswCalibrationControl {
 public:
     static constexpr Key key{0xa8c748bb3b2c656f};
@@ -67,9 +67,11 @@ public:
     /// alone. Every other begins with `onWriteStarted` and has exactly one end, either
     /// `onWriteFinished` or `onError`; the notifications of two writes never mix.
     ///
-    /// Called on a thread of the device's own choosing, one notification at a time. A control
-    /// that is dropped notifies no more; a write goes on nevertheless, and the observers of the
-    /// control that is offered next hear the rest of it, in any case its end.
+    /// A control that is dropped notifies no more; a write goes on nevertheless, and the observers of
+    /// the control that is offered next hear the rest of it, in any case its end.
+    ///
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
+    /// lock held.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -96,6 +98,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 
     /// The points at which the receivers are to be measured.

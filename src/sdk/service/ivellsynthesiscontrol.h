@@ -9,7 +9,7 @@ namespace sdk::service {
 
 /// The selection of the intermediate frequency (IF) of a Vell device.
 ///
-/// Threads: every operation is thread-safe and returns when the instrument has taken it.
+/// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IVellSynthesisControl {
 public:
     static constexpr Key key{0xf636764463dee854};

@@ -20,14 +20,14 @@ struct Progress {
 /// Looks after a group of calibration units. An instrument may offer two controllers, under a key
 /// each.
 ///
-/// Threads: every operation is thread-safe and returns at once.
+/// Threads: thread-safe; at once.
 class SDK_API ICalibrationController {
 public:
     static constexpr Key firstKey{0x94a0057f903adbec};
     static constexpr Key secondKey{0x41a4a601b7307494};
 
-    /// Called on a thread of the device's own choosing, one notification at a time, with no lock
-    /// held; an observer may call any operation of the controller and of its units.
+    /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
+    /// lock held; an observer may call any operation of the controller and of its units.
     class SDK_API Observer {
     public:
         Observer() = default;
@@ -57,6 +57,8 @@ public:
     /// Ends a registration; does nothing for an observer that is not registered. Once it has
     /// returned, no notification of `observer` is running or will start, except for one that the
     /// calling thread itself is in the middle of. Never throws.
+    ///
+    /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     virtual void removeObserver(Observer* observer) = 0;
 
     /// The units, in the instrument's order. They belong to the controller and live as long as it.

@@ -8,7 +8,7 @@ namespace sdk::service::calibrations {
 
 /// One set of calibration data that a controller looks after.
 ///
-/// Threads: every operation is thread-safe and returns at once.
+/// Threads: thread-safe; at once.
 class SDK_API ICalibrationUnit {
 public:
     enum class Status {
