@@ -31,18 +31,26 @@ void Faults::setPlan(const FaultPlan& plan)
     m_operations = 0;
     m_requests = 0;
     m_longOperations = 0;
+    letGo();
+}
+
+void Faults::endHanging()
+{
+    const utils::MutexLock lock{m_mutex};
+    m_plan.hangEvery = 0;
+    letGo();
 }
 
 Faults::Decision Faults::nextCall()
 {
     const utils::MutexLock lock{m_mutex};
-    return next();
+    return givenOut(next());
 }
 
 Faults::Decision Faults::nextRequest()
 {
     const utils::MutexLock lock{m_mutex};
-    return request();
+    return givenOut(request());
 }
 
 Faults::Decision Faults::nextLongOperation()
@@ -54,7 +62,7 @@ Faults::Decision Faults::nextLongOperation()
         decision.interruption = Error::PowerLoss;
     else if (isDue(m_longOperations, m_plan.unplugEvery))
         decision.interruption = Error::Disconnected;
-    return decision;
+    return givenOut(decision);
 }
 
 bool Faults::isWriteProtected() const
@@ -72,22 +80,40 @@ Faults::Decision Faults::request()
     decision.failure = std::exchange(m_plan.failNext, {});
     if (decision.failure.value() == 0 && isDue(m_requests, m_plan.failEvery))
         decision.failure = m_plan.failure;
+    if (isDue(m_requests, m_plan.misbehaveEvery))
+        decision.misbehaviour = m_plan.misbehaviour;
     return decision;
 }
 
 Faults::Decision Faults::next()
 {
+    Decision decision;
     ++m_operations;
-    if (isDue(m_operations, m_plan.throwEvery))
-        return {.throws = true, .drops = false, .dropFor = {}, .delay = {}, .failure = {}, .interruption = {}};
-    return {
-        .throws = false,
-        .drops = isDue(m_operations, m_plan.dropEvery) || happens(m_plan.dropChance),
-        .dropFor = m_plan.dropFor,
-        .delay = isDue(m_operations, m_plan.delayEvery) ? m_plan.delay : Duration{},
-        .failure = {},
-        .interruption = {},
-    };
+    decision.throws = isDue(m_operations, m_plan.throwEvery);
+    if (decision.throws)
+        return decision;
+    decision.hangs = isDue(m_operations, m_plan.hangEvery);
+    decision.drops = isDue(m_operations, m_plan.dropEvery) || happens(m_plan.dropChance);
+    decision.dropFor = m_plan.dropFor;
+    if (isDue(m_operations, m_plan.delayEvery))
+        decision.delay = m_plan.delay;
+    decision.lateness = m_plan.delay;
+    return decision;
+}
+
+/// The decision, as soon as the operation that hangs is let go.
+Faults::Decision Faults::givenOut(Decision decision)
+{
+    const auto released = m_released;
+    while (decision.hangs && m_released == released)
+        m_hanging.wait(m_mutex);
+    return decision;
+}
+
+void Faults::letGo()
+{
+    ++m_released;
+    m_hanging.notify_all();
 }
 
 bool Faults::happens(double chance)
