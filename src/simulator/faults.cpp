@@ -43,32 +43,44 @@ void Faults::endHanging()
 
 Faults::Decision Faults::nextCall()
 {
-    const utils::MutexLock lock{m_mutex};
-    return givenOut(next());
+    return decide(&Faults::next);
 }
 
 Faults::Decision Faults::nextRequest()
 {
-    const utils::MutexLock lock{m_mutex};
-    return givenOut(request());
+    return decide(&Faults::request);
 }
 
 Faults::Decision Faults::nextLongOperation()
 {
-    const utils::MutexLock lock{m_mutex};
-    auto decision = request();
-    ++m_longOperations;
-    if (isDue(m_longOperations, m_plan.powerLossEvery))
-        decision.interruption = Error::PowerLoss;
-    else if (isDue(m_longOperations, m_plan.unplugEvery))
-        decision.interruption = Error::Disconnected;
-    return givenOut(decision);
+    return decide(&Faults::longOperation);
 }
 
 bool Faults::isWriteProtected() const
 {
     const utils::MutexLock lock{m_mutex};
     return m_plan.writeProtect;
+}
+
+Faults::Decision Faults::decide(Decision (Faults::*decision)())
+{
+    const utils::MutexLock lock{m_mutex};
+    const auto decided = (this->*decision)();
+    const auto released = m_released;
+    while (decided.hangs && m_released == released)
+        m_hanging.wait(m_mutex);
+    return decided;
+}
+
+Faults::Decision Faults::longOperation()
+{
+    auto decision = request();
+    ++m_longOperations;
+    if (isDue(m_longOperations, m_plan.powerLossEvery))
+        decision.interruption = Error::PowerLoss;
+    else if (isDue(m_longOperations, m_plan.unplugEvery))
+        decision.interruption = Error::Disconnected;
+    return decision;
 }
 
 Faults::Decision Faults::request()
@@ -98,15 +110,6 @@ Faults::Decision Faults::next()
     if (isDue(m_operations, m_plan.delayEvery))
         decision.delay = m_plan.delay;
     decision.lateness = m_plan.delay;
-    return decision;
-}
-
-/// The decision, as soon as the operation that hangs is let go.
-Faults::Decision Faults::givenOut(Decision decision)
-{
-    const auto released = m_released;
-    while (decision.hangs && m_released == released)
-        m_hanging.wait(m_mutex);
     return decision;
 }
 

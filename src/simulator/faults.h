@@ -83,9 +83,10 @@ public:
     [[nodiscard]] bool isWriteProtected() const;
 
 private:
+    [[nodiscard]] Decision decide(Decision (Faults::*decision)());
     [[nodiscard]] Decision next() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision request() TARN_REQUIRES(m_mutex);
-    [[nodiscard]] Decision givenOut(Decision decision) TARN_REQUIRES(m_mutex);
+    [[nodiscard]] Decision longOperation() TARN_REQUIRES(m_mutex);
     void letGo() TARN_REQUIRES(m_mutex);
     [[nodiscard]] bool happens(double chance) TARN_REQUIRES(m_mutex);
 

@@ -1,5 +1,7 @@
 #include <simulator/watchedinstrument.h>
 
+#include <support/watchdog.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -274,6 +276,7 @@ protected:
         return operation.wait_for(20ms) == std::future_status::timeout;
     }
 
+    const tests::Watchdog watchdog;
     std::unique_ptr<ManualInstrument> instrument;
     std::shared_ptr<test::Files> files;
     std::shared_ptr<test::Memory> memory;
