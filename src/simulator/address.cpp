@@ -61,6 +61,13 @@ bool readError(std::string_view text, std::error_code& code)
     return error.has_value();
 }
 
+bool readMisbehaviour(std::string_view text, Misbehaviour& misbehaviour)
+{
+    const auto known = misbehaviourFromText(text);
+    misbehaviour = known.value_or(misbehaviour);
+    return known.has_value();
+}
+
 bool readProfile(std::string_view text, Profile& profile)
 {
     const auto known = profileFromText(text);
@@ -119,6 +126,7 @@ struct Option {
 constexpr auto profileForm = "full|bare|pell|zinnia|marl|tove|wisp|glint|brae|vell|multiport-lum|multiport-common";
 constexpr auto errorForm = "not-found|full|bad-name|io|corrupt|busy|timeout|write-protected|bad-size|power-loss|"
                            "disconnected|bad-index|out-of-range|bad-identity|NUMBER";
+constexpr auto misbehaviourForm = "twice|drop|drop-controls|keep|at-end|late|throw-late";
 
 // TIME is a number and SIZE a whole number with a unit, N a whole number from 1, FACTOR a number from 0.001.
 constexpr std::array options{
@@ -144,10 +152,18 @@ constexpr std::array options{
            [](auto value, auto& to) { return readError(value, to.faults.failure); }},
     Option{"delay-every", "N", "never", "make every Nth operation take longer, by the time of `delay`",
            [](auto value, auto& to) { return readCount(value, to.faults.delayEvery); }},
-    Option{"delay", "TIME", "100ms", "the time of `delay-every`",
+    Option{"delay", "TIME", "100ms", "the time of `delay-every`, and of `misbehave` where it is late",
            [](auto value, auto& to) { return readTime(value, to.faults.delay); }},
     Option{"throw-every", "N", "never", "make every Nth operation throw an exception",
            [](auto value, auto& to) { return readCount(value, to.faults.throwEvery); }},
+    Option{"hang-every", "N", "never", "do not return from every Nth operation until the instrument is closed",
+           [](auto value, auto& to) { return readCount(value, to.faults.hangEvery); }},
+    Option{"misbehave", misbehaviourForm, "none",
+           "complete requests twice, drop their completions or drop them with the controls, keep them until the "
+           "instrument is closed or complete them then, complete them late by the time of `delay`, or throw as well",
+           [](auto value, auto& to) { return readMisbehaviour(value, to.faults.misbehaviour); }},
+    Option{"misbehave-every", "N", "1", "treat only every Nth request in the way of `misbehave`",
+           [](auto value, auto& to) { return readCount(value, to.faults.misbehaveEvery); }},
     Option{"memory-size", "SIZE", "4MiB", "how large the memory device is, at most 256MiB; an instrument keeps it",
            [](auto value, auto& to) { return readSize(value, to.memorySize); }},
     Option{"speed", "FACTOR|unlimited", "1000",
@@ -172,13 +188,14 @@ constexpr std::array options{
 /// An option that does nothing unless one of the others is given with it.
 struct Need {
     const char* option;
-    std::array<const char*, 4> others; ///< up to the first null
+    std::array<const char*, 5> others; ///< up to the first null
 };
 
 constexpr std::array needs{
-    Need{"drop-for", {"drop-every", "drop-chance", "power-loss-every", "unplug-every"}},
+    Need{"drop-for", {"drop-every", "drop-chance", "power-loss-every", "unplug-every", "misbehave"}},
     Need{"fail", {"fail-every"}},
-    Need{"delay", {"delay-every"}},
+    Need{"delay", {"delay-every", "misbehave"}},
+    Need{"misbehave-every", {"misbehave"}},
 };
 
 bool isName(const QString& text)

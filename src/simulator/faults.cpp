@@ -31,23 +31,49 @@ void Faults::setPlan(const FaultPlan& plan)
     m_operations = 0;
     m_requests = 0;
     m_longOperations = 0;
+    letGo();
+}
+
+void Faults::endHanging()
+{
+    const utils::MutexLock lock{m_mutex};
+    m_plan.hangEvery = 0;
+    letGo();
 }
 
 Faults::Decision Faults::nextCall()
 {
-    const utils::MutexLock lock{m_mutex};
-    return next();
+    return decide(&Faults::next);
 }
 
 Faults::Decision Faults::nextRequest()
 {
-    const utils::MutexLock lock{m_mutex};
-    return request();
+    return decide(&Faults::request);
 }
 
 Faults::Decision Faults::nextLongOperation()
 {
+    return decide(&Faults::longOperation);
+}
+
+bool Faults::isWriteProtected() const
+{
     const utils::MutexLock lock{m_mutex};
+    return m_plan.writeProtect;
+}
+
+Faults::Decision Faults::decide(Decision (Faults::*decision)())
+{
+    const utils::MutexLock lock{m_mutex};
+    const auto decided = (this->*decision)();
+    const auto released = m_released;
+    while (decided.hangs && m_released == released)
+        m_hanging.wait(m_mutex);
+    return decided;
+}
+
+Faults::Decision Faults::longOperation()
+{
     auto decision = request();
     ++m_longOperations;
     if (isDue(m_longOperations, m_plan.powerLossEvery))
@@ -55,12 +81,6 @@ Faults::Decision Faults::nextLongOperation()
     else if (isDue(m_longOperations, m_plan.unplugEvery))
         decision.interruption = Error::Disconnected;
     return decision;
-}
-
-bool Faults::isWriteProtected() const
-{
-    const utils::MutexLock lock{m_mutex};
-    return m_plan.writeProtect;
 }
 
 Faults::Decision Faults::request()
@@ -72,22 +92,31 @@ Faults::Decision Faults::request()
     decision.failure = std::exchange(m_plan.failNext, {});
     if (decision.failure.value() == 0 && isDue(m_requests, m_plan.failEvery))
         decision.failure = m_plan.failure;
+    if (isDue(m_requests, m_plan.misbehaveEvery))
+        decision.misbehaviour = m_plan.misbehaviour;
     return decision;
 }
 
 Faults::Decision Faults::next()
 {
+    Decision decision;
     ++m_operations;
-    if (isDue(m_operations, m_plan.throwEvery))
-        return {.throws = true, .drops = false, .dropFor = {}, .delay = {}, .failure = {}, .interruption = {}};
-    return {
-        .throws = false,
-        .drops = isDue(m_operations, m_plan.dropEvery) || happens(m_plan.dropChance),
-        .dropFor = m_plan.dropFor,
-        .delay = isDue(m_operations, m_plan.delayEvery) ? m_plan.delay : Duration{},
-        .failure = {},
-        .interruption = {},
-    };
+    decision.throws = isDue(m_operations, m_plan.throwEvery);
+    if (decision.throws)
+        return decision;
+    decision.hangs = isDue(m_operations, m_plan.hangEvery);
+    decision.drops = isDue(m_operations, m_plan.dropEvery) || happens(m_plan.dropChance);
+    decision.dropFor = m_plan.dropFor;
+    if (isDue(m_operations, m_plan.delayEvery))
+        decision.delay = m_plan.delay;
+    decision.lateness = m_plan.delay;
+    return decision;
+}
+
+void Faults::letGo()
+{
+    ++m_released;
+    m_hanging.notify_all();
 }
 
 bool Faults::happens(double chance)

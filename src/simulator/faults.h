@@ -3,8 +3,10 @@
 #include <simulator/clock.h>
 #include <simulator/error.h>
 #include <simulator/export.h>
+#include <simulator/misbehaviour.h>
 #include <utils/mutex.h>
 
+#include <condition_variable>
 #include <cstdint>
 #include <random>
 #include <stdexcept>
@@ -22,8 +24,11 @@ struct FaultPlan {
     std::uint64_t failEvery = 0; ///< every Nth request ends with `failure`
     std::error_code failure = Error::Io;
     std::uint64_t delayEvery = 0; ///< every Nth operation takes `delay` longer
-    Duration delay = std::chrono::milliseconds{100};
+    Duration delay = std::chrono::milliseconds{100}; ///< of a completion that is called late, too
     std::uint64_t throwEvery = 0; ///< every Nth operation throws a `DeviceFault`
+    std::uint64_t hangEvery = 0; ///< every Nth operation does not return for as long as this plan is in force
+    Misbehaviour misbehaviour{}; ///< towards the completion of every Nth request, N being `misbehaveEvery`
+    std::uint64_t misbehaveEvery = 1;
     std::uint64_t powerLossEvery = 0; ///< the power goes in the middle of every Nth long operation
     std::uint64_t unplugEvery = 0; ///< the instrument is unplugged in the middle of every Nth long operation
     bool writeProtect = false; ///< the memory device refuses to be written and erased
@@ -49,18 +54,26 @@ public:
     /// `seed` decides the drops by chance.
     Faults(const FaultPlan& plan, std::uint64_t seed);
 
-    /// Replaces the plan and starts counting anew.
+    /// Replaces the plan and starts counting anew. Operations that hang go on.
     void setPlan(const FaultPlan& plan);
+
+    /// Lets the operations that hang go on; none will hang from now on.
+    void endHanging();
 
     /// What goes wrong with one operation. One that throws does nothing else.
     struct Decision {
         bool throws = false;
+        bool hangs = false; ///< has hung, when this is given out
         bool drops = false;
         Duration dropFor{};
         Duration delay{};
         std::error_code failure; ///< value 0: none
         std::error_code interruption; ///< `PowerLoss` or `Disconnected` in the middle; value 0: none
+        Misbehaviour misbehaviour{};
+        Duration lateness{}; ///< of a completion that is called late
     };
+
+    // An operation that hangs waits here.
 
     [[nodiscard]] Decision nextCall();
     [[nodiscard]] Decision nextRequest();
@@ -70,8 +83,11 @@ public:
     [[nodiscard]] bool isWriteProtected() const;
 
 private:
+    [[nodiscard]] Decision decide(Decision (Faults::*decision)());
     [[nodiscard]] Decision next() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision request() TARN_REQUIRES(m_mutex);
+    [[nodiscard]] Decision longOperation() TARN_REQUIRES(m_mutex);
+    void letGo() TARN_REQUIRES(m_mutex);
     [[nodiscard]] bool happens(double chance) TARN_REQUIRES(m_mutex);
 
     mutable utils::Mutex m_mutex;
@@ -80,6 +96,8 @@ private:
     std::uint64_t m_operations TARN_GUARDED_BY(m_mutex) = 0;
     std::uint64_t m_requests TARN_GUARDED_BY(m_mutex) = 0;
     std::uint64_t m_longOperations TARN_GUARDED_BY(m_mutex) = 0;
+    std::uint64_t m_released TARN_GUARDED_BY(m_mutex) = 0; ///< how often those that hang were
+    std::condition_variable_any m_hanging;
 };
 
 } // namespace tarn::simulator

@@ -37,7 +37,7 @@ public:
     /// work ended, the return value how the operation ends.
     [[nodiscard]] virtual std::error_code close(std::error_code result) = 0;
 
-    /// Called once whatever happens, at last: reports the end.
+    /// Called at last, whatever happens, and once unless the instrument is told to misbehave: reports the end.
     virtual void complete(std::error_code result) = 0;
 };
 

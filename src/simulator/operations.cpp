@@ -5,13 +5,31 @@
 
 namespace tarn::simulator {
 
-void Operations::disturbCall()
+namespace {
+
+constexpr Duration forGood = std::chrono::years{100}; ///< longer than any instrument lives
+
+/// The end of an operation that is to throw although it will be completed.
+void throwAfter(const Faults::Decision& fault)
 {
-    if (m_executor.isCurrent())
-        return;
-    const auto fault = m_faults.nextCall();
+    if (fault.misbehaviour == Misbehaviour::ThrowLate)
+        throw DeviceFault{};
+}
+
+} // namespace
+
+/// What goes wrong with an operation; nothing if the instrument's own thread asks for it.
+Faults::Decision Operations::decide(Faults::Decision (Faults::*next)())
+{
+    const auto fault = m_executor.isCurrent() ? Faults::Decision{} : (m_faults.*next)();
     if (fault.throws)
         throw DeviceFault{};
+    return fault;
+}
+
+void Operations::disturbCall()
+{
+    const auto fault = decide(&Faults::nextCall);
     if (fault.drops)
         m_executor.post({}, [this, fault] { m_drop(fault.dropFor); }, Executor::AtStop::Discard);
     if (fault.delay > Duration{})
@@ -20,14 +38,13 @@ void Operations::disturbCall()
 
 void Operations::start(Finish finish)
 {
-    const auto fault = m_executor.isCurrent() ? Faults::Decision{} : m_faults.nextRequest();
-    if (fault.throws)
-        throw DeviceFault{};
+    const auto fault = decide(&Faults::nextRequest);
     submit(m_latency + fault.delay, [this, fault, finish = std::move(finish)]() mutable {
         if (fault.drops)
             drop(fault.dropFor);
-        finish(fault.failure);
+        report(fault, finish(fault.failure));
     });
+    throwAfter(fault);
 }
 
 void Operations::submit(Duration delay, Executor::Task task)
@@ -39,6 +56,29 @@ void Operations::submit(Duration delay, Executor::Task task)
     if (delay > Duration{} && !m_executor.isCurrent())
         m_clock->sleep(delay);
     task();
+}
+
+/// The only way by which the end of a request reaches whoever made it: here the instrument misbehaves.
+void Operations::report(const Faults::Decision& fault, Report report)
+{
+    switch (fault.misbehaviour) {
+    case Misbehaviour::None:
+        return report();
+    case Misbehaviour::Twice:
+        report();
+        return report();
+    case Misbehaviour::Drop:
+        return;
+    case Misbehaviour::DropControls:
+        return drop(fault.dropFor);
+    case Misbehaviour::Keep:
+        return m_executor.post(forGood, std::move(report), Executor::AtStop::Discard);
+    case Misbehaviour::AtEnd:
+        return m_executor.post(forGood, std::move(report));
+    case Misbehaviour::Late:
+    case Misbehaviour::ThrowLate:
+        return m_executor.post(fault.lateness, std::move(report));
+    }
 }
 
 /// A long operation on its way.
@@ -55,31 +95,43 @@ struct Operations::Run {
 
 std::shared_ptr<Operations::Run> Operations::makeRun(std::shared_ptr<LongOperation> operation)
 {
-    const auto fault = m_executor.isCurrent() ? Faults::Decision{} : m_faults.nextLongOperation();
-    if (fault.throws)
-        throw DeviceFault{};
     auto run = std::make_shared<Run>();
-    run->fault = fault;
-    run->complete = [operation](std::error_code result) { operation->complete(result); };
+    run->fault = decide(&Faults::nextLongOperation);
+    run->complete = [this, &run = *run](std::error_code result) { report(run, result); };
     run->operation = std::move(operation);
     return run;
+}
+
+void Operations::report(const Run& run, std::error_code result)
+{
+    report(run.fault, [operation = run.operation, result] { operation->complete(result); });
 }
 
 void Operations::request(std::shared_ptr<LongOperation> operation)
 {
     const auto run = makeRun(std::move(operation));
-    const auto delay = m_latency + run->fault.delay;
+    const auto fault = run->fault;
     if (m_mode == CompletionMode::Thread)
-        return m_executor.post(delay, [this, run] { carryOut(run); });
-    if (m_executor.isCurrent()) { // nobody to wait for: here and now
-        for (bool isRunning = begin(*run); isRunning;)
-            isRunning = goOn(*run);
-        return;
-    }
+        m_executor.post(m_latency + fault.delay, [this, run] { carryOut(run); });
+    else if (m_executor.isCurrent()) // nobody to wait for
+        carryOutHere(*run);
+    else
+        carryOutAndWait(run);
+    throwAfter(fault);
+}
+
+void Operations::carryOutHere(Run& run)
+{
+    for (bool isRunning = begin(run); isRunning;)
+        isRunning = goOn(run);
+}
+
+void Operations::carryOutAndWait(const std::shared_ptr<Run>& run)
+{
     std::promise<std::error_code> result;
     run->complete = [&result](std::error_code code) { result.set_value(code); };
-    m_executor.post(delay, [this, run] { carryOut(run); });
-    run->operation->complete(result.get_future().get());
+    m_executor.post(m_latency + run->fault.delay, [this, run] { carryOut(run); });
+    report(*run, result.get_future().get());
 }
 
 void Operations::enqueue(std::shared_ptr<LongOperation> operation)
@@ -96,6 +148,7 @@ void Operations::enqueue(std::shared_ptr<LongOperation> operation)
         }
         carryOutNext();
     });
+    throwAfter(run->fault);
 }
 
 /// Carries out the first one that waits, if it can be its turn.

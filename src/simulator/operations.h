@@ -62,10 +62,12 @@ public:
             std::expected<Value, std::error_code> result = std::unexpected{fault};
             if (fault.value() == 0)
                 result = model();
-            if (result)
-                completion(std::move(*result), {});
-            else
-                completion({}, result.error());
+            return Report{[completion = std::move(completion), result = std::move(result)]() mutable {
+                if (result)
+                    completion(std::move(*result), {});
+                else
+                    completion({}, result.error());
+            }};
         });
     }
 
@@ -73,7 +75,8 @@ public:
     void request(sdk::Completion<> completion, Model model)
     {
         start([completion = std::move(completion), model = std::move(model)](std::error_code fault) mutable {
-            completion(fault.value() == 0 ? model() : fault);
+            const auto result = fault.value() == 0 ? model() : fault;
+            return Report{[completion = std::move(completion), result] { completion(result); }};
         });
     }
 
@@ -92,15 +95,23 @@ public:
 private:
     struct Run;
 
-    /// Ends a request: with the error of a fault, or if that is 0 as the model says.
-    using Finish = std::move_only_function<void(std::error_code fault)>;
+    /// Tells whoever made a request how it ended.
+    using Report = Executor::Task;
 
+    /// Carries a request out: ends it with the error of a fault, or if that is 0 as the model says.
+    using Finish = std::move_only_function<Report(std::error_code fault)>;
+
+    [[nodiscard]] Faults::Decision decide(Faults::Decision (Faults::*next)());
     void disturbCall();
     void start(Finish finish);
     void submit(Duration delay, Executor::Task task);
+    void report(const Faults::Decision& fault, Report report);
+    void report(const Run& run, std::error_code result);
     void drop(Duration away);
     [[nodiscard]] std::shared_ptr<Run> makeRun(std::shared_ptr<LongOperation> operation);
     void carryOut(const std::shared_ptr<Run>& run);
+    void carryOutHere(Run& run);
+    void carryOutAndWait(const std::shared_ptr<Run>& run);
     [[nodiscard]] bool begin(Run& run);
     [[nodiscard]] bool goOn(Run& run);
     bool end(Run& run, std::error_code result);

@@ -26,6 +26,7 @@ SimulatedVna::SimulatedVna(const Settings& settings)
 
 SimulatedVna::~SimulatedVna()
 {
+    m_bench->faults.endHanging();
     m_observers->clear();
     m_bench->executor.run([this] { endRegistrations(); });
     m_bench->executor.stop();

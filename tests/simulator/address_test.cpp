@@ -54,7 +54,7 @@ TEST(AddressTest, ReadsEveryOption)
 {
     const auto settings = valid("sim,profile=vell,seed=18446744073709551615,latency=5ms,completion=inline,drop-every=3,"
                                 "drop-chance=0.25,drop-for=2s,fail-next=full,fail-every=4,fail=17,delay-every=5,"
-                                "delay=100us,throw-every=6")
+                                "delay=100us,throw-every=6,hang-every=7,misbehave=keep,misbehave-every=8")
                               .settings;
     EXPECT_EQ(settings.profile, Profile::Vell);
     EXPECT_EQ(settings.seed, 18446744073709551615U);
@@ -69,6 +69,9 @@ TEST(AddressTest, ReadsEveryOption)
     EXPECT_EQ(settings.faults.delayEvery, 5U);
     EXPECT_EQ(settings.faults.delay, 100us);
     EXPECT_EQ(settings.faults.throwEvery, 6U);
+    EXPECT_EQ(settings.faults.hangEvery, 7U);
+    EXPECT_EQ(settings.faults.misbehaviour, Misbehaviour::Keep);
+    EXPECT_EQ(settings.faults.misbehaveEvery, 8U);
 }
 
 TEST(AddressTest, ReadsEveryProfile)
@@ -95,6 +98,22 @@ TEST(AddressTest, ReadsTheOptionsOfTheMemory)
     EXPECT_TRUE(valid("corrupt=on").settings.faults.corrupt);
     EXPECT_EQ(valid("power-loss-every=3").settings.faults.powerLossEvery, 3U);
     EXPECT_EQ(valid("unplug-every=4").settings.faults.unplugEvery, 4U);
+}
+
+TEST(AddressTest, ReadsEveryMisbehaviourThatItDocuments)
+{
+    std::vector<Misbehaviour> read;
+    for (const auto& option : addressOptions()) {
+        if (option.name != u"misbehave")
+            continue;
+        for (const auto& word : option.value.split(u'|'))
+            read.push_back(
+                valid((QStringLiteral("misbehave=") + word).toUtf8().constData()).settings.faults.misbehaviour);
+    }
+    using enum Misbehaviour;
+    EXPECT_EQ(read, (std::vector{Twice, Drop, DropControls, Keep, AtEnd, Late, ThrowLate}));
+    EXPECT_EQ(invalid("misbehave=none").hint,
+              QStringLiteral("Write misbehave=twice|drop|drop-controls|keep|at-end|late|throw-late."));
 }
 
 TEST(AddressTest, DocumentsEveryError)
@@ -138,12 +157,14 @@ TEST(AddressTest, DocumentsDefaultsThatMeanTheDefault)
     for (const auto& option : addressOptions()) {
         if (option.defaultValue == u"never" || option.defaultValue == u"none")
             continue; // said by leaving the option out
-        const auto text
-            = QStringLiteral("drop-every=1,fail-every=1,delay-every=1,") + option.name + u'=' + option.defaultValue;
+        const auto text = QStringLiteral("drop-every=1,fail-every=1,delay-every=1,misbehave=drop,") + option.name + u'='
+            + option.defaultValue;
         EXPECT_TRUE(parseAddress(text).has_value()) << text.toStdString();
     }
     EXPECT_EQ(valid("delay-every=1,delay=100ms").settings.faults.delay, FaultPlan{}.delay);
     EXPECT_EQ(valid("fail-every=1,fail=io").settings.faults.failure, FaultPlan{}.failure);
+    EXPECT_EQ(valid("").settings.faults.misbehaviour, Misbehaviour::None);
+    EXPECT_EQ(valid("misbehave=drop").settings.faults.misbehaveEvery, 1U);
 }
 
 TEST(AddressTest, ListsTheValidOptionsForAnUnknownOne)
@@ -167,10 +188,14 @@ TEST(AddressTest, RefusesAnOptionThatDoesNothingByItself)
     const auto fail = invalid("drop-every=2,fail=full");
     EXPECT_TRUE(fail.message.endsWith(QStringLiteral("the option \"fail\" does nothing by itself")));
     EXPECT_EQ(fail.hint, QStringLiteral("Give fail-every with it."));
-    EXPECT_EQ(invalid("delay=1s").hint, QStringLiteral("Give delay-every with it."));
+    EXPECT_EQ(invalid("delay=1s").hint, QStringLiteral("Give delay-every or misbehave with it."));
+    EXPECT_EQ(valid("delay=1s,misbehave=late").settings.faults.delay, 1s);
+    EXPECT_EQ(invalid("misbehave-every=2").hint, QStringLiteral("Give misbehave with it."));
     EXPECT_EQ(invalid("drop-for=1s").hint,
-              QStringLiteral("Give drop-every or drop-chance or power-loss-every or unplug-every with it."));
-    for (const auto* const cause : {"drop-every=1", "drop-chance=0.5", "power-loss-every=1", "unplug-every=1"})
+              QStringLiteral("Give drop-every or drop-chance or power-loss-every or unplug-every or "
+                             "misbehave with it."));
+    for (const auto* const cause :
+         {"drop-every=1", "drop-chance=0.5", "power-loss-every=1", "unplug-every=1", "misbehave=drop"})
         EXPECT_EQ(valid(("drop-for=1s," + std::string{cause}).c_str()).settings.faults.dropFor, 1s) << cause;
 }
 
@@ -196,33 +221,35 @@ TEST_P(InvalidAddress, IsRefused)
     EXPECT_TRUE(error.message.contains(QString::fromUtf8(GetParam())));
 }
 
-INSTANTIATE_TEST_SUITE_P(Address, InvalidAddress,
-                         testing::Values(
-                             // names
-                             "..", "a/b", "a b", "\xc3\xbc", ",", ",seed=1",
-                             "abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyzabcdefghijklm",
-                             // items
-                             "sim,", "sim,,seed=1", "sim,bench", "sim,=5", "sim, seed=1", "sim,seed=1,seed=1",
-                             // counts
-                             "drop-every=0", "drop-every=-1", "drop-every=", "drop-every=1.5", "drop-every=+1",
-                             "drop-every= 1", "drop-every=18446744073709551616", "drop-every=3x", "drop-every=1=1",
-                             // seeds
-                             "seed=-1", "seed=18446744073709551616", "seed=0x10",
-                             // times
-                             "latency=5", "latency=ms", "latency=-5ms", "latency=5 ms", "latency=25h", "latency=5d",
-                             "latency=86401s", "latency=9223372036854775807s", "latency=99999999999999999999us",
-                             // chances
-                             "drop-chance=1.1", "drop-chance=-0.1", "drop-chance=nan", "drop-chance=inf",
-                             "drop-chance=1e999", "drop-chance=0,5", "drop-chance=half",
-                             // sizes, speeds and switches
-                             "memory-size=4194304", "memory-size=0MiB", "memory-size=257MiB", "memory-size=4mib",
-                             "memory-size=5KiB", "memory-size=-4KiB", "memory-size=4294967296MiB", "memory-size=MiB",
-                             "speed=0", "speed=-1", "speed=nan", "speed=inf", "speed=fast", "speed=0.0009",
-                             "speed=", "write-protect=yes", "write-protect=", "corrupt=1", "power-loss-every=0",
-                             "unplug-every=never",
-                             // words
-                             "profile=Full", "profile=sable", "profile=", "completion=both", "fail=0", "fail=nothing",
-                             "fail-next="));
+INSTANTIATE_TEST_SUITE_P(
+    Address, InvalidAddress,
+    testing::Values(
+        // names
+        "..", "a/b", "a b", "\xc3\xbc", ",", ",seed=1",
+        "abcdefghijklmnopqrstuvwxyzabcdefghijklmnopqrstuvwxyzabcdefghijklm",
+        // items
+        "sim,", "sim,,seed=1", "sim,bench", "sim,=5", "sim, seed=1", "sim,seed=1,seed=1",
+        // counts
+        "drop-every=0", "drop-every=-1", "drop-every=", "drop-every=1.5", "drop-every=+1", "drop-every= 1",
+        "drop-every=18446744073709551616", "drop-every=3x", "drop-every=1=1",
+        // seeds
+        "seed=-1", "seed=18446744073709551616", "seed=0x10",
+        // times
+        "latency=5", "latency=ms", "latency=-5ms", "latency=5 ms", "latency=25h", "latency=5d", "latency=86401s",
+        "latency=9223372036854775807s", "latency=99999999999999999999us",
+        // chances
+        "drop-chance=1.1", "drop-chance=-0.1", "drop-chance=nan", "drop-chance=inf", "drop-chance=1e999",
+        "drop-chance=0,5", "drop-chance=half",
+        // sizes, speeds and switches
+        "memory-size=4194304", "memory-size=0MiB", "memory-size=257MiB", "memory-size=4mib", "memory-size=5KiB",
+        "memory-size=-4KiB", "memory-size=4294967296MiB", "memory-size=MiB", "speed=0", "speed=-1", "speed=nan",
+        "speed=inf", "speed=fast", "speed=0.0009", "speed=", "write-protect=yes", "write-protect=", "corrupt=1",
+        "power-loss-every=0", "unplug-every=never",
+        // misbehaviours
+        "misbehave=", "misbehave=Twice", "misbehave=1", "misbehave=drop|keep", "misbehave=drop,misbehave-every=0",
+        "misbehave=drop,misbehave-every=", "hang-every=0", "hang-every=first",
+        // words
+        "profile=Full", "profile=sable", "profile=", "completion=both", "fail=0", "fail=nothing", "fail-next="));
 
 TEST(AddressTest, AcceptsTheLimits)
 {

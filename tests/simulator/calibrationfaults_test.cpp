@@ -67,6 +67,27 @@ TYPED_TEST(CalibrationFaultTest, ThatThrowsWritesNothing)
     EXPECT_FALSE(instrument.slot().data().has_value());
 }
 
+TYPED_TEST(CalibrationFaultTest, InTellingTheEndLeavesTheWriteAsItIs)
+{
+    CalibratedInstrument<TypeParam> instrument;
+    FaultPlan plan;
+    plan.misbehaviour = Misbehaviour::Twice;
+    plan.misbehaveEvery = 2;
+    instrument.setFaults(plan);
+    for (int i = 0; i < 2; ++i)
+        instrument.write();
+    for (int i = 0; i < 2; ++i)
+        instrument.advance(10s);
+    EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished", "started", "finished", "finished"));
+    plan.misbehaviour = Misbehaviour::ThrowLate;
+    plan.misbehaveEvery = 1;
+    instrument.setFaults(plan);
+    EXPECT_THROW(instrument.write(), DeviceFault);
+    instrument.advance(10s);
+    instrument.advance(plan.delay);
+    EXPECT_THAT(instrument.takeEnds(), ElementsAre("started", "finished"));
+}
+
 TYPED_TEST(CalibrationFaultTest, InTheMiddleIsHeardWithTheNextOfferAndLeavesWhatIsStored)
 {
     CalibratedInstrument<TypeParam> instrument;

@@ -99,6 +99,34 @@ TEST(FaultsTest, CountsOnlyRequestsForFailures)
     EXPECT_EQ(faults.nextRequest().failure, Error::Busy);
 }
 
+TEST(FaultsTest, MisbehavesAtEveryNthRequestOfAnyKind)
+{
+    FaultPlan plan;
+    plan.misbehaviour = Misbehaviour::Keep;
+    plan.misbehaveEvery = 2;
+    plan.delay = 3s;
+    Faults faults{plan, 0};
+    EXPECT_EQ(faults.nextRequest().misbehaviour, Misbehaviour::None);
+    EXPECT_EQ(faults.nextCall().misbehaviour, Misbehaviour::None);
+    const auto second = faults.nextLongOperation();
+    EXPECT_EQ(second.misbehaviour, Misbehaviour::Keep);
+    EXPECT_EQ(second.lateness, 3s);
+    EXPECT_EQ(second.delay, 0s);
+    EXPECT_EQ(faults.nextLongOperation().misbehaviour, Misbehaviour::None);
+    EXPECT_EQ(faults.nextRequest().misbehaviour, Misbehaviour::Keep);
+}
+
+TEST(FaultsTest, MisbehavesAtEachRequestUnlessToldOtherwise)
+{
+    FaultPlan plan;
+    plan.misbehaviour = Misbehaviour::Drop;
+    plan.throwEvery = 2;
+    Faults faults{plan, 0};
+    EXPECT_EQ(faults.nextRequest().misbehaviour, Misbehaviour::Drop);
+    EXPECT_EQ(faults.nextRequest().misbehaviour, Misbehaviour::None) << "throws and does nothing else";
+    EXPECT_EQ(faults.nextRequest().misbehaviour, Misbehaviour::Drop);
+}
+
 TEST(FaultsTest, FailsTheNextRequestOnce)
 {
     Faults faults{{}, 0};

@@ -40,7 +40,7 @@ TEST_F(SimulatorProvider, IntroducesItself)
     EXPECT_FALSE(m_provider->description().isEmpty());
     EXPECT_TRUE(m_provider->isSimulated());
     EXPECT_FALSE(m_provider->addressSyntax().isEmpty());
-    EXPECT_EQ(m_provider->addressOptions().size(), 19);
+    EXPECT_EQ(m_provider->addressOptions().size(), 22);
 }
 
 TEST_F(SimulatorProvider, OpensTheFirstOfItsAddresses)

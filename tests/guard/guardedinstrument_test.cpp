@@ -1,0 +1,452 @@
+#include <guard/error.h>
+#include <guard/guardfixture.h>
+
+#include <sdk/service/imemoryoperationscontrol.h>
+#include <sdk/service/imemoryserialnumbercontrol.h>
+#include <sdk/service/imemoryusbidcontrol.h>
+#include <sdk/service/ipotentiometerscontrol.h>
+#include <simulator/simulatedvna.h>
+#include <simulator/storage.h>
+#include <simulator/usbidentity.h>
+#include <support/watchdog.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <set>
+
+namespace tarn::guard {
+
+namespace {
+
+using namespace std::chrono_literals;
+using sdk::service::IMemoryOperationsControl;
+using sdk::service::IMemorySerialNumberControl;
+using sdk::service::IMemoryUsbIdControl;
+using sdk::service::IPotentiometersControl;
+using simulator::CompletionMode;
+using simulator::DeviceFault;
+using simulator::FaultPlan;
+using simulator::Misbehaviour;
+using simulator::SimulatedVna;
+
+const std::error_code success;
+
+/// Keeps what a request ended with, however often it does.
+class Ends {
+public:
+    void add(std::error_code code)
+    {
+        {
+            const std::scoped_lock lock{m_mutex};
+            m_codes.push_back(code);
+        }
+        m_ended.notify_all();
+    }
+
+    /// All ends, once there is one; none if it does not come.
+    [[nodiscard]] std::vector<std::error_code> await() const
+    {
+        std::unique_lock lock{m_mutex};
+        m_ended.wait_for(lock, 20s, [&] { return !m_codes.empty(); });
+        return m_codes;
+    }
+
+    [[nodiscard]] std::vector<std::error_code> soFar() const
+    {
+        const std::scoped_lock lock{m_mutex};
+        return m_codes;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_ended;
+    std::vector<std::error_code> m_codes;
+};
+
+/// What a request is completed by: a completion with or without a value.
+struct End {
+    void operator()(std::error_code code) const { ends->add(code); }
+    void operator()(const auto& /*value*/, std::error_code code) const { ends->add(code); }
+
+    std::shared_ptr<Ends> ends;
+};
+
+/// A kind of request that ends in a completion.
+struct Operation {
+    sdk::Key control;
+    std::string_view name;
+    std::function<void(sdk::IVna& device, const End& end)> make;
+};
+
+template <class Control, class Make>
+Operation operation(std::string_view name, Make make)
+{
+    return {Control::key, name,
+            [make](sdk::IVna& device, const End& end) { make(*device.control<Control>(Control::key), end); }};
+}
+
+std::vector<Operation> operations()
+{
+    using Memory = IMemoryOperationsControl;
+    using Number = IMemorySerialNumberControl;
+    using Potentiometers = IPotentiometersControl;
+    const auto identity = simulator::UsbIdentity::supported().back().usbId;
+    return {
+        operation<FileMemory>("fileList", [](auto& files, auto end) { files.fileList(end); }),
+        operation<FileMemory>("spaceInfo", [](auto& files, auto end) { files.spaceInfo(end); }),
+        operation<FileMemory>("readFile", [](auto& files, auto end) { files.readFile({"f", 3}, end); }),
+        operation<FileMemory>("writeFile", [](auto& files, auto end) { files.writeFile("g", {4, 5}, end); }),
+        operation<FileMemory>("deleteFile", [](auto& files, auto end) { files.deleteFile({"f", 3}, end); }),
+        operation<Memory>("read", [](auto& memory, auto end) { memory.read(end); }),
+        operation<Memory>("write", [](auto& memory, auto end) { memory.write({std::byte{1}}, end); }),
+        operation<Memory>("erase", [](auto& memory, auto end) { memory.erase(end); }),
+        operation<Memory>("integrityCheck", [](auto& memory, auto end) { memory.integrityCheck(end); }),
+        operation<Number>("serialNumber", [](auto& number, auto end) { number.serialNumber(end); }),
+        operation<Number>("writeSerialNumber", [](auto& number, auto end) { number.writeSerialNumber(7, end); }),
+        operation<IMemoryUsbIdControl>("writeUsbId",
+                                       [identity](auto& usb, auto end) { usb.writeUsbId(identity, end); }),
+        operation<Potentiometers>("readFromEeprom", [](auto& all, auto end) { all.readFromEeprom(0, end); }),
+        operation<Potentiometers>("writeToRam", [](auto& all, auto end) { all.writeToRam(0, 1, end); }),
+        operation<Potentiometers>("writeToEeprom", [](auto& all, auto end) { all.writeToEeprom(0, 1, end); }),
+    };
+}
+
+/// A breach, and the completions of the request by then.
+struct Heard {
+    Breach breach;
+    unsigned completions;
+
+    bool operator==(const Heard&) const = default;
+};
+
+} // namespace
+
+/// A simulated instrument behind a guard, switched on for one request and off again. Its time stands still.
+class GuardedInstrument : public testing::TestWithParam<CompletionMode> {
+protected:
+    static constexpr std::chrono::milliseconds impatient{40};
+    static constexpr std::chrono::milliseconds patient = 1h;
+
+    static FaultPlan planOf(Misbehaviour misbehaviour)
+    {
+        FaultPlan plan;
+        plan.misbehaviour = misbehaviour;
+        plan.delay = 1min;
+        return plan;
+    }
+
+    void switchOn(const FaultPlan& plan, std::chrono::milliseconds limit)
+    {
+        simulator::Settings settings;
+        settings.completion = GetParam();
+        settings.memorySize = 4096;
+        settings.speed = std::numeric_limits<double>::infinity();
+        auto device = std::make_shared<SimulatedVna>(settings, clock, std::make_unique<simulator::NoStorage>());
+        instrument = device.get();
+        ends = std::make_shared<Ends>();
+        device->control<FileMemory>(FileMemory::key)->writeFile("f", {1, 2, 3}, End{ends});
+        EXPECT_EQ(ends->await().size(), 1U);
+        device->faults().setPlan(plan);
+        breaches = std::make_shared<BreachLog>();
+        guarded = tarn::guard::guarded(std::move(device), {limit, breaches});
+        watchControls();
+    }
+
+    void request(const Operation& operation)
+    {
+        tests::nowTrying(std::string{operation.name});
+        requested = operation;
+        ends = std::make_shared<Ends>();
+        operation.make(*guarded, End{ends});
+    }
+
+    /// What the caller gets.
+    std::error_code outcome(const Operation& operation)
+    {
+        request(operation);
+        return outcome();
+    }
+
+    [[nodiscard]] std::error_code outcome() const
+    {
+        const auto all = ends->await();
+        return all.empty() ? make_error_code(std::errc::no_message) : all.front();
+    }
+
+    /// Lets the time of a late completion come.
+    void beLate() const
+    {
+        instrument->waitUntilIdle();
+        clock->advance(1min);
+    }
+
+    /// Afterwards the caller has got as many completions, the host has heard of exactly these breaches, and all is
+    /// gone.
+    void switchOff(const std::vector<Heard>& expected, std::size_t completions = 1)
+    {
+        watchControls();
+        guarded.reset();
+        if (hanging.valid())
+            hanging.get();
+        EXPECT_EQ(ends->soFar().size(), completions) << requested.name;
+        EXPECT_TRUE(areLetGo()) << requested.name;
+        std::vector<Heard> heard;
+        for (const auto& report : breaches->await(0)) {
+            heard.push_back({report.breach, report.completions});
+            EXPECT_EQ(report.control, requested.control) << requested.name;
+            EXPECT_EQ(report.operation, requested.name);
+        }
+        EXPECT_EQ(heard, expected) << requested.name;
+        for (const auto& control : controls)
+            EXPECT_TRUE(control.expired()) << requested.name;
+        controls.clear();
+    }
+
+    std::shared_ptr<simulator::ManualClock> clock = std::make_shared<simulator::ManualClock>();
+    std::shared_ptr<BreachLog> breaches;
+    std::shared_ptr<sdk::IVna> guarded;
+    SimulatedVna* instrument = nullptr;
+    std::future<void> hanging;
+    std::shared_ptr<Ends> ends;
+
+    /// Whether the instrument has dropped its controls since it was switched on and offered others.
+    [[nodiscard]] bool hasOtherControls() const
+    {
+        const auto now = guarded->control(requested.control);
+        return now && std::ranges::none_of(controls, [&](const auto& known) { return known.lock() == now; });
+    }
+
+private:
+    /// Whether nobody has the caller's completion any more. The guard's thread may be about to let go.
+    [[nodiscard]] bool areLetGo() const
+    {
+        for (int i = 0; i < 20'000 && ends.use_count() != 1; ++i)
+            std::this_thread::sleep_for(1ms);
+        return ends.use_count() == 1;
+    }
+
+    void watchControls()
+    {
+        for (const auto& operation : operations())
+            controls.emplace_back(guarded->control(operation.control));
+    }
+
+    const tests::Watchdog watchdog;
+    Operation requested;
+    std::vector<std::weak_ptr<void>> controls;
+};
+
+INSTANTIATE_TEST_SUITE_P(Modes, GuardedInstrument, testing::Values(CompletionMode::Thread, CompletionMode::Inline),
+                         [](const auto& mode) { return mode.param == CompletionMode::Inline ? "Inline" : "Thread"; });
+
+TEST_P(GuardedInstrument, ThatKeepsItsWordIsNotNoticed)
+{
+    for (const auto& operation : operations()) {
+        switchOn({}, patient);
+        EXPECT_EQ(outcome(operation), success) << operation.name;
+        switchOff({});
+    }
+}
+
+TEST_P(GuardedInstrument, MayEndARequestWithAnError)
+{
+    FaultPlan plan;
+    plan.failEvery = 1;
+    for (const auto& operation : operations()) {
+        switchOn(plan, patient);
+        EXPECT_EQ(outcome(operation), simulator::Error::Io) << operation.name;
+        switchOff({});
+    }
+}
+
+TEST_P(GuardedInstrument, MayDropItsControlsMeanwhile)
+{
+    FaultPlan plan;
+    plan.dropEvery = 1;
+    for (const auto& operation : operations()) {
+        switchOn(plan, patient);
+        EXPECT_EQ(outcome(operation), success) << operation.name;
+        EXPECT_TRUE(hasOtherControls()) << operation.name;
+        switchOff({});
+    }
+}
+
+TEST_P(GuardedInstrument, ThatCompletesTwiceIsListenedToOnce)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Twice), patient);
+        EXPECT_EQ(outcome(operation), success) << operation.name;
+        switchOff({{Breach::CompletedAgain, 2}});
+    }
+}
+
+TEST_P(GuardedInstrument, ThatDropsACompletionMeansAnError)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Drop), patient);
+        EXPECT_EQ(outcome(operation), Error::Dropped) << operation.name;
+        switchOff({{Breach::Dropped, 0}});
+    }
+}
+
+TEST_P(GuardedInstrument, ThatDropsACompletionWithTheControlsMeansAnError)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::DropControls), patient);
+        EXPECT_EQ(outcome(operation), Error::Dropped) << operation.name;
+        EXPECT_TRUE(hasOtherControls()) << operation.name;
+        switchOff({{Breach::Dropped, 0}});
+    }
+}
+
+TEST_P(GuardedInstrument, ThatKeepsACompletionForEverMeansATimeOut)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Keep), impatient);
+        EXPECT_EQ(outcome(operation), Error::TimedOut) << operation.name;
+        switchOff({{Breach::TimedOut, 0}});
+    }
+}
+
+TEST_P(GuardedInstrument, ThatIsDestroyedWithACompletionHasDroppedIt)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Keep), patient);
+        request(operation);
+        switchOff({{Breach::Dropped, 0}});
+        EXPECT_EQ(outcome(), Error::Dropped) << operation.name;
+    }
+}
+
+TEST_P(GuardedInstrument, MayCompleteLateAfterTheTimeOut)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Late), impatient);
+        EXPECT_EQ(outcome(operation), Error::TimedOut) << operation.name;
+        beLate();
+        EXPECT_EQ(breaches->await(2).size(), 2U);
+        switchOff({{Breach::TimedOut, 0}, {Breach::CompletedLate, 1}});
+    }
+}
+
+TEST_P(GuardedInstrument, IsNotLateWithinTheLimit)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::Late), patient);
+        request(operation);
+        beLate();
+        EXPECT_EQ(outcome(), success) << operation.name;
+        switchOff({});
+    }
+}
+
+TEST_P(GuardedInstrument, MayCompleteInItsDestructorAfterTheTimeOut)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::AtEnd), impatient);
+        EXPECT_EQ(outcome(operation), Error::TimedOut) << operation.name;
+        switchOff({{Breach::TimedOut, 0}, {Breach::CompletedLate, 1}});
+    }
+}
+
+TEST_P(GuardedInstrument, MayCompleteInItsDestructorWithinTheLimit)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::AtEnd), patient);
+        request(operation);
+        switchOff({});
+        EXPECT_EQ(outcome(), success) << operation.name;
+    }
+}
+
+TEST_P(GuardedInstrument, ThatThrowsIsNotNoticed)
+{
+    FaultPlan plan;
+    plan.throwEvery = 1;
+    for (const auto& operation : operations()) {
+        switchOn(plan, patient);
+        EXPECT_THROW(request(operation), DeviceFault) << operation.name;
+        switchOff({}, 0);
+    }
+}
+
+TEST_P(GuardedInstrument, ThatThrowsIsNotListenedToAfterwards)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::ThrowLate), patient);
+        EXPECT_THROW(request(operation), DeviceFault) << operation.name;
+        beLate();
+        EXPECT_EQ(breaches->await(1).size(), 1U);
+        switchOff({{Breach::CompletedAndThrew, 1}}, 0);
+    }
+}
+
+TEST_P(GuardedInstrument, ThatThrowsIsNotListenedToInItsDestructor)
+{
+    for (const auto& operation : operations()) {
+        switchOn(planOf(Misbehaviour::ThrowLate), patient);
+        EXPECT_THROW(request(operation), DeviceFault) << operation.name;
+        switchOff({{Breach::CompletedAndThrew, 1}}, 0);
+    }
+}
+
+TEST_P(GuardedInstrument, ThatDoesNotReturnAnswersOthers)
+{
+    FaultPlan plan;
+    plan.hangEvery = 2;
+    std::set<sdk::Key> tried;
+    for (const auto& operation : operations()) {
+        if (!tried.insert(operation.control).second)
+            continue; // it takes its time
+        switchOn(plan, 200ms);
+        EXPECT_EQ(outcome(operation), success) << operation.name;
+        hanging = std::async(std::launch::async, [&] { request(operation); });
+        EXPECT_EQ(breaches->await(1).size(), 1U);
+        const auto others = std::make_shared<Ends>();
+        operation.make(*guarded, End{others});
+        EXPECT_EQ(others->await(), std::vector{success}) << operation.name;
+        EXPECT_EQ(hanging.wait_for(0ms), std::future_status::timeout) << operation.name;
+        EXPECT_EQ(outcome(), Error::TimedOut) << operation.name;
+        switchOff({{Breach::NotReturned, 0}, {Breach::CompletedLate, 1}});
+    }
+}
+
+TEST_P(GuardedInstrument, AnswersEachOfManyCallersOnce)
+{
+    struct Case {
+        Misbehaviour misbehaviour;
+        std::optional<Breach> breach;
+    };
+    constexpr std::size_t threads = 4;
+    constexpr std::size_t each = 90;
+    for (const auto& [misbehaviour, breach] :
+         {Case{Misbehaviour::Twice, Breach::CompletedAgain}, Case{Misbehaviour::Drop, Breach::Dropped},
+          Case{Misbehaviour::DropControls, Breach::Dropped}, Case{Misbehaviour::Keep, Breach::Dropped},
+          Case{Misbehaviour::Late, std::nullopt}, Case{Misbehaviour::AtEnd, std::nullopt}}) {
+        auto plan = planOf(misbehaviour);
+        plan.misbehaveEvery = 3;
+        switchOn(plan, patient);
+        const auto control = guarded->control<FileMemory>(FileMemory::key);
+        std::vector<std::shared_ptr<Ends>> all(threads * each);
+        std::vector<std::jthread> callers;
+        for (std::size_t thread = 0; thread < threads; ++thread) {
+            callers.emplace_back([&, thread] {
+                for (auto i = thread; i < all.size(); i += threads) {
+                    all[i] = std::make_shared<Ends>();
+                    control->spaceInfo(End{all[i]});
+                }
+            });
+        }
+        callers.clear();
+        guarded.reset();
+        for (const auto& one : all)
+            EXPECT_EQ(one->soFar().size(), 1U);
+        const auto heard = breaches->breaches();
+        EXPECT_EQ(heard.size(), breach ? all.size() / 3 : 0U);
+        for (const auto one : heard)
+            EXPECT_EQ(one, breach);
+    }
+}
+
+} // namespace tarn::guard
