@@ -1,5 +1,6 @@
 #pragma once
 
+#include <guard/progress.h>
 #include <guard/request.h>
 #include <sdk/service/ifilememorycontrol.h>
 #include <sdk/service/imemoryoperationscontrol.h>
@@ -10,7 +11,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -32,7 +32,7 @@ public:
 
 protected:
     [[nodiscard]] Interface& control() const { return m_control; }
-    [[nodiscard]] Host& host() const { return *m_host; }
+    [[nodiscard]] const std::shared_ptr<Host>& host() const { return m_host; }
 
     template <class Done, class Operation, class... Arguments>
     void request(std::string_view name, Done& done, Operation operation, Arguments&&... arguments)
@@ -45,29 +45,6 @@ protected:
 private:
     Interface& m_control;
     const std::shared_ptr<Host> m_host;
-};
-
-/// Tells the host of the progress that a control tells of.
-template <class Control, class Observer>
-class Progress : public Observer {
-public:
-    explicit Progress(Host& host)
-        : m_host{host}
-    {
-    }
-
-    /// From now on, for the rest of the life of `control`. The same one each time.
-    void observe(Control& control)
-    {
-        std::call_once(m_observed, [&] { control.addObserver(this); });
-    }
-
-protected:
-    void onProgress() { m_host.onProgress(); }
-
-private:
-    Host& m_host;
-    std::once_flag m_observed;
 };
 
 class FileMemory final : public Decorated<sdk::service::IFileMemoryControl> {
@@ -98,17 +75,6 @@ public:
     }
 };
 
-class MemoryProgress final
-    : public Progress<sdk::service::IMemoryOperationsControl, sdk::service::IMemoryOperationsControl::IObserver> {
-public:
-    using Progress::Progress;
-
-    void onReadProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
-    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
-    void onEraseProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
-    void onIntegrityCheckProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
-};
-
 class MemoryOperations final : public Decorated<sdk::service::IMemoryOperationsControl> {
 public:
     using Interface = sdk::service::IMemoryOperationsControl;
@@ -128,6 +94,9 @@ public:
         observed("integrityCheck", done, &Interface::integrityCheck);
     }
 
+    /// The host learns of the device's progress from now on.
+    void observe() { m_progress.observe(control()); }
+
     void addObserver(IObserver* observer) override { control().addObserver(observer); }
     void removeObserver(IObserver* observer) override { control().removeObserver(observer); }
 
@@ -136,11 +105,11 @@ private:
     template <class Done, class Operation, class... Arguments>
     void observed(std::string_view name, Done& done, Operation operation, Arguments&&... arguments)
     {
-        m_progress.observe(control());
+        observe();
         request(name, done, operation, std::forward<Arguments>(arguments)...);
     }
 
-    MemoryProgress m_progress{host()};
+    Progress<MemoryListener> m_progress{host()};
 };
 
 class Potentiometers final : public Decorated<sdk::service::IPotentiometersControl> {
@@ -166,14 +135,6 @@ public:
     }
 };
 
-class SerialNumberProgress final
-    : public Progress<sdk::service::IMemorySerialNumberControl, sdk::service::IMemorySerialNumberControl::Observer> {
-public:
-    using Progress::Progress;
-
-    void onWriteProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
-};
-
 class SerialNumber final : public Decorated<sdk::service::IMemorySerialNumberControl> {
 public:
     using Interface = sdk::service::IMemorySerialNumberControl;
@@ -186,15 +147,18 @@ public:
 
     void writeSerialNumber(unsigned int serialNumber, sdk::Completion<> done) override
     {
-        m_progress.observe(control());
+        observe();
         request("writeSerialNumber", done, &Interface::writeSerialNumber, serialNumber);
     }
+
+    /// The host learns of the device's progress from now on.
+    void observe() { m_progress.observe(control()); }
 
     void addObserver(Observer* observer) override { control().addObserver(observer); }
     void removeObserver(Observer* observer) override { control().removeObserver(observer); }
 
 private:
-    SerialNumberProgress m_progress{host()};
+    Progress<SerialNumberListener> m_progress{host()};
 };
 
 class UsbIdentity final : public Decorated<sdk::service::IMemoryUsbIdControl> {

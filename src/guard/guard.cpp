@@ -1,5 +1,6 @@
 #include <guard/guard.h>
 
+#include <guard/decoratedcontrols.h>
 #include <guard/host.h>
 #include <guard/keeper.h>
 
@@ -15,6 +16,7 @@ public:
         : m_device{std::move(device)}
         , m_host{std::make_shared<Host>(std::move(options))}
     {
+        m_device->addObserver(&m_returns);
     }
 
     GuardedVna(const GuardedVna&) = delete;
@@ -22,6 +24,7 @@ public:
 
     ~GuardedVna() override
     {
+        m_device->removeObserver(&m_returns);
         m_device.reset();
         Keeper::instance().sweep();
     }
@@ -38,8 +41,36 @@ public:
     [[nodiscard]] sdk::Model model() const override { return m_device->model(); }
 
 private:
+    /// A request that outlasts a drop has its progress told by the control that is offered next.
+    class Returns final : public Observer {
+    public:
+        explicit Returns(GuardedVna& vna)
+            : m_vna{vna}
+        {
+        }
+
+        void onControlsAboutToBeReleased() override { }
+        void onControlsAvailable() override
+        {
+            m_vna.observe<MemoryOperations>();
+            m_vna.observe<SerialNumber>();
+        }
+
+    private:
+        GuardedVna& m_vna;
+    };
+
+    template <class Type>
+    void observe()
+    {
+        using Interface = typename Type::Interface;
+        if (const auto offered = control<Interface>(Interface::key))
+            static_cast<Type&>(*offered).observe();
+    }
+
     std::shared_ptr<sdk::IVna> m_device;
     const std::shared_ptr<Host> m_host;
+    Returns m_returns{*this};
 };
 
 } // namespace

@@ -2,30 +2,27 @@
 
 #include <guard/athand.h>
 #include <guard/watchdog.h>
+#include <utils/mutex.h>
 
-#include <memory>
 #include <vector>
 
 namespace tarn::guard {
 
-/// The free calls of one type. Each thread keeps one at hand, so that a request that is completed before the operation
-/// returns takes no lock. Thread-safe.
+/// The free objects of a type that are never destroyed, but used again; `Type::create()` makes more. Each thread keeps
+/// one at hand, so that a request that is completed before the operation returns takes no lock. Thread-safe.
 template <class Type>
 class Pool {
 public:
     static Type& take()
     {
-        if (auto* const call = OfThread::take())
-            return *call;
-        if (auto* const call = shared().take())
-            return *call;
-        auto made = std::make_unique<Type>();
-        auto& call = *made;
-        Watchdog::instance().add(std::move(made));
-        return call;
+        if (auto* const free = OfThread::take())
+            return *free;
+        if (auto* const free = shared().take())
+            return *free;
+        return Type::create();
     }
 
-    static void giveBack(Type& call) { OfThread::keep(&call); }
+    static void giveBack(Type& object) { OfThread::keep(&object); }
 
 private:
     struct Shared {
@@ -34,15 +31,15 @@ private:
             const utils::MutexLock lock{mutex};
             if (free.empty())
                 return nullptr;
-            auto* const call = free.back();
+            auto* const object = free.back();
             free.pop_back();
-            return call;
+            return object;
         }
 
-        void giveBack(Type* call)
+        void giveBack(Type* object)
         {
             const utils::MutexLock lock{mutex};
-            free.push_back(call);
+            free.push_back(object);
         }
 
         utils::Mutex mutex;
@@ -50,7 +47,7 @@ private:
     };
 
     static Shared& shared() { return immortal<Shared>(); }
-    static void share(Type* call) { shared().giveBack(call); }
+    static void share(Type* object) { shared().giveBack(object); }
 
     using OfThread = AtHand<Type, &Pool::share>;
 };

@@ -18,6 +18,14 @@ namespace tarn::guard {
 template <class Done>
 class Request final : public Call {
 public:
+    static Request& create()
+    {
+        auto made = std::make_unique<Request>();
+        auto& request = *made;
+        Watchdog::instance().add(std::move(made));
+        return request;
+    }
+
     /// Makes a request: `operation(completion)` hands it to the device, with a completion that ends in `done` once.
     /// What the operation throws passes through, and `done` is not called then, unless the device has called it before.
     template <class Operation>

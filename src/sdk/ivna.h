@@ -23,8 +23,9 @@ namespace sdk {
 /// be delivered, `removeObserver` excepted. What an observer throws ends with that observer: the
 /// others are notified all the same.
 ///
-/// Once a control was dropped, none of its notifications is running or will start. A device is not
-/// destroyed from inside a completion or a notification.
+/// Once a control was dropped, none of the observers that were registered with it is being notified or
+/// will be. One that is registered later, with a control that is still in use, has to be removed. A
+/// device is not destroyed from inside a completion or a notification.
 class SDK_API IVna {
 public:
     /// Learns when the device's controls come and go. A host forwards both notifications to those

@@ -218,6 +218,36 @@ TEST_F(GuardedMemoryOperations, WaitsAsLongAsThereIsProgressOfAnyKind)
     }
 }
 
+TEST_F(GuardedMemoryOperations, HearsTheProgressOfARequestThatOutlastsADrop)
+{
+    std::jthread thread;
+    EXPECT_CALL(*mock, erase).WillOnce([&](sdk::Completion<> done) {
+        thread = std::jthread{[&, done = std::move(done)] {
+            const auto next = std::make_shared<NiceMock<tests::MockMemoryOperationsControl>>();
+            Observer* observer = nullptr;
+            EXPECT_CALL(*next, addObserver).WillOnce(testing::SaveArg<0>(&observer));
+            device->announceRelease();
+            device->offer<IMemoryOperationsControl>(IMemoryOperationsControl::key, next);
+            device->announceAvailable();
+            progress(*observer, &Observer::onEraseProgressChanged);
+            done({});
+        }};
+    });
+    EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
+}
+
+TEST_F(GuardedMemoryOperations, CanBeToldOfProgressOfAControlThatIsGone)
+{
+    Observer* observer = nullptr;
+    EXPECT_CALL(*mock, addObserver).WillOnce(testing::SaveArg<0>(&observer));
+    EXPECT_CALL(*mock, erase).WillOnce(InvokeArgument<0>(success));
+    EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
+    device->drop(IMemoryOperationsControl::key);
+    mock.reset();
+    guarded.reset(); // gives up what belonged to the control
+    observer->onEraseProgressChanged(1, 2);
+}
+
 class GuardedPotentiometers : public Guarded<IPotentiometersControl, tests::MockPotentiometersControl> { };
 
 TEST_F(GuardedPotentiometers, GuardsEveryRequest)
@@ -272,6 +302,14 @@ TEST_F(GuardedSerialNumber, WaitsAsLongAsAWriteProgresses)
     });
     EXPECT_EQ(code([](IMemorySerialNumberControl& control, auto done) { control.writeSerialNumber(1, done); }),
               success);
+}
+
+TEST_F(GuardedSerialNumber, HearsTheProgressOfAWriteThatOutlastsADrop)
+{
+    const auto next = std::make_shared<NiceMock<tests::MockMemorySerialNumberControl>>();
+    EXPECT_CALL(*next, addObserver(testing::NotNull()));
+    device->offer<IMemorySerialNumberControl>(IMemorySerialNumberControl::key, next);
+    device->announceAvailable();
 }
 
 class GuardedUsbIdentity : public Guarded<IMemoryUsbIdControl, tests::MockMemoryUsbIdControl> { };

@@ -86,11 +86,14 @@ TEST_F(GuardLifetimes, TheGuardedDeviceIsTheDevice)
         void onControlsAboutToBeReleased() override { }
         void onControlsAvailable() override { }
     } observer;
+    const auto own = device->observers();
     guarded->addObserver(&observer);
-    EXPECT_THAT(device->observers(), ElementsAre(&observer));
+    EXPECT_THAT(device->observers(), testing::Contains(&observer));
     guarded->removeObserver(&observer);
-    EXPECT_THAT(device->observers(), IsEmpty());
+    EXPECT_EQ(device->observers(), own);
     EXPECT_EQ(guarded->model(), device->model());
+    guarded.reset();
+    EXPECT_THAT(device->observers(), IsEmpty());
 }
 
 TEST_F(GuardLifetimes, AControlOutlivesTheGuardedDevice)
