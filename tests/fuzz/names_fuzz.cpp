@@ -81,6 +81,9 @@ void requirePlain(const QString& name)
 /// A name as an instrument gives it.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    constexpr std::size_t longest = 600; // twice what a name may be
+    if (size > longest)
+        return -1;
     static const CapturedOutput captured;
     static const Output output{{.json = true, .color = ColorMode::Never}, "files list"};
     const auto bytes = tarn::fuzz::textOf(data, size);
