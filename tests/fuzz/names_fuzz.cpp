@@ -40,10 +40,16 @@ private:
     int m_descriptor;
 };
 
+/// Whether a terminal may take the character for something else than a character.
+bool steers(char32_t character)
+{
+    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 || character == 0x2029
+        || QChar::category(character) == QChar::Other_Format;
+}
+
 bool prints(std::string_view text)
 {
-    return std::ranges::all_of(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toUcs4(),
-                               [](char32_t character) { return isPrintable(character); });
+    return std::ranges::none_of(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toUcs4(), &steers);
 }
 
 /// What `escaped` was made of.

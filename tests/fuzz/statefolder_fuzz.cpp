@@ -122,8 +122,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
             StateFolder state{folder.path(), none};
             readBlocks(state, contents, folder);
             sections = sectionsOf(state, contents.index);
-            require(QJsonDocument::fromJson(contents.index)[QStringLiteral("sections")] == sections,
-                    "the sections are those of the index");
+            const auto index = QJsonDocument::fromJson(contents.index);
+            require(index[QStringLiteral("format")] == QStringLiteral("tarn-simulator-state")
+                        && index[QStringLiteral("version")] == StateFolder::formatVersion,
+                    "the index is one of this format");
+            require(index[QStringLiteral("sections")] == sections, "the sections are those of the index");
             require(contentsOf(folder.index()) == contents.index, "reading changes nothing");
             require(!state.save({{QStringLiteral("added"), true}}, {}), "a section is saved");
         }

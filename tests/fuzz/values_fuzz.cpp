@@ -17,8 +17,11 @@ template <class Number>
 void readNumber(std::string_view text, int base)
 {
     const auto number = parseNumber<Number>(text, base);
-    if (number)
-        require(parseNumber<Number>(fmt::format("{}", *number)) == number, "a number is read back as it was written");
+    if (!number)
+        return;
+    require(text.find_first_not_of(base == 10 ? "-0123456789" : "0123456789abcdefABCDEF") == std::string_view::npos,
+            "a number has nothing but its digits");
+    require(parseNumber<Number>(fmt::format("{}", *number)) == number, "a number is read back as it was written");
 }
 
 void readTime(std::string_view text)
