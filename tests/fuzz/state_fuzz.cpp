@@ -10,12 +10,13 @@
 #include <sdk/service/ivellsynthesiscontrol.h>
 #include <simulator/filememory.h>
 #include <simulator/flashmemory.h>
+#include <simulator/moduletables.h>
 #include <simulator/simulatedvna.h>
 #include <simulator/storage.h>
 
 #include <QJsonDocument>
 
-#include <limits>
+#include <array>
 #include <memory>
 
 using namespace tarn::simulator;
@@ -108,6 +109,15 @@ void requireWithinLimits(const std::vector<PotentiometerModel::Value>& values)
     }
 }
 
+void requireOfTheirLengths(const ModuleTables& tables)
+{
+    static constexpr std::array<std::size_t, ModuleTables::count> lengths{201, 201, 1024, 2048, 4096};
+    for (std::size_t i = 0; i < lengths.size(); ++i) {
+        const auto length = tables.contents(static_cast<ModuleTables::Table>(i)).size();
+        require(length == 0 || length == lengths.at(i), "a table is of its length");
+    }
+}
+
 /// Has the files and the settings of all modules saved, which checks them.
 void saveEverything(SimulatedVna& vna)
 {
@@ -157,6 +167,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     const auto files = listFiles(*vna);
     const auto potentiometers = vna->potentiometers();
     requireWithinLimits(potentiometers);
+    requireOfTheirLengths(vna->tables());
     vna.reset();
     vna = tryToSwitchOn(state);
     require(vna && listFiles(*vna) == files && vna->potentiometers() == potentiometers, "a state is kept");

@@ -21,6 +21,7 @@ public:
 
     [[nodiscard]] QString path() const { return m_root.path(); }
     [[nodiscard]] QString index() const { return m_root.filePath(QStringLiteral("index.json")); }
+    [[nodiscard]] QString lock() const { return m_root.filePath(QStringLiteral("lock")); }
     [[nodiscard]] QString block(const QString& digest) const
     {
         return m_root.filePath(QStringLiteral("blocks/") + digest);
@@ -94,6 +95,21 @@ void readBlocks(const StateFolder& state, const Contents& contents, const Folder
     }
 }
 
+const StateFolder::Patience none = [] { return false; };
+
+/// Who holds a folder stands in its lock, whatever that is.
+void requireHeld(const Folder& folder, const QByteArray& lock)
+{
+    write(folder.lock(), lock);
+    try {
+        const StateFolder second{folder.path(), none};
+        require(false, "a folder is held by one at a time");
+    } catch (const StateFolderBusy& busy) {
+        const std::string_view holder{busy.what()};
+        require(!holder.empty() && holder.size() <= 500, "it is said who holds the folder");
+    }
+}
+
 /// Reads one section of every name that the index has.
 QJsonObject sectionsOf(const StateFolder& state, const QByteArray& index)
 {
@@ -102,8 +118,6 @@ QJsonObject sectionsOf(const StateFolder& state, const QByteArray& index)
         sections[name] = state.section(name);
     return sections;
 }
-
-const StateFolder::Patience none = [] { return false; };
 
 } // namespace
 
@@ -128,6 +142,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
                     "the index is one of this format");
             require(index[QStringLiteral("sections")] == sections, "the sections are those of the index");
             require(contentsOf(folder.index()) == contents.index, "reading changes nothing");
+            requireHeld(folder, contents.blocks.empty() ? QByteArray{} : contents.blocks.begin()->second);
             require(!state.save({{QStringLiteral("added"), true}}, {}), "a section is saved");
         }
         const StateFolder again{folder.path(), none};
