@@ -38,13 +38,13 @@ public:
     {
     }
 
-    [[nodiscard]] QJsonValue section(const QString& name) const override { return m_state.sections[name]; }
+    [[nodiscard]] QJsonValue section(const QString& name) const override { return m_state.sections.value(name); }
 
     [[nodiscard]] QByteArray block(const QString& digest) const override
     {
         if (!m_state.blocks.contains(digest))
             refuse(QStringLiteral("there is no block \"%1\"").arg(digest));
-        return m_state.blocks[digest];
+        return m_state.blocks.value(digest);
     }
 
     [[noreturn]] void refuse(const QString& reason) const override
@@ -161,6 +161,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     auto state = stateOf(tarn::fuzz::textOf(data, size));
     auto vna = tryToSwitchOn(state);
+    require(vna || !state.sections.isEmpty(), "a new instrument is switched on");
     if (!vna)
         return 0;
     saveEverything(*vna);
