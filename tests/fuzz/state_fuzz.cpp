@@ -14,6 +14,7 @@
 #include <simulator/simulatedvna.h>
 #include <simulator/storage.h>
 
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <array>
@@ -99,6 +100,17 @@ std::vector<IFileMemoryControl::FileInfo> listFiles(SimulatedVna& vna)
     return files;
 }
 
+/// The files are as large as the state says.
+void requireOfTheirSizes(const std::vector<IFileMemoryControl::FileInfo>& files, const QJsonArray& section)
+{
+    double size = 0;
+    for (const auto& file : files)
+        size += static_cast<double>(file.size);
+    for (const auto& entry : section)
+        size -= entry.toObject()[QStringLiteral("size")].toDouble();
+    require(size == 0, "the files are as large as they were");
+}
+
 void requireWithinLimits(const std::vector<PotentiometerModel::Value>& values)
 {
     const auto kinds = PotentiometerModel::list();
@@ -164,6 +176,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     require(vna || !state.sections.isEmpty(), "a new instrument is switched on");
     if (!vna)
         return 0;
+    requireOfTheirSizes(listFiles(*vna), state.sections.value(QStringLiteral("files")).toArray());
     saveEverything(*vna);
     const auto files = listFiles(*vna);
     const auto potentiometers = vna->potentiometers();
