@@ -13,8 +13,6 @@
 
 namespace tarn::console {
 
-namespace {
-
 void addCommands(CommandLine& line)
 {
     ProvidersCommand::addTo(line);
@@ -24,6 +22,8 @@ void addCommands(CommandLine& line)
     TourCommand::addTo(line);
     CompletionCommand::addTo(line);
 }
+
+namespace {
 
 /// Runs `step` and reports what it throws; the exit code.
 template <class Step>

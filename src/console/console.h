@@ -2,6 +2,11 @@
 
 namespace tarn::console {
 
+class CommandLine;
+
+/// Adds all commands that the program has.
+void addCommands(CommandLine& line);
+
 /// To be called before anything else in the program.
 void prepare();
 

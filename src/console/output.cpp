@@ -40,12 +40,12 @@ std::string written(const QJsonValue& value)
     const auto array = QJsonDocument{QJsonArray{value}}.toJson(QJsonDocument::Compact);
     std::string json;
     for (const char32_t character : QString::fromUtf8(array).mid(1).chopped(1).toUcs4()) {
-        const auto text = QString::fromUcs4(&character, 1);
+        const auto units = QChar::fromUcs4(character); // a QString would lose a byte order mark
         if (isPrintable(character)) {
-            json += text.toStdString();
+            json += QStringView{units}.toUtf8().toStdString();
             continue;
         }
-        for (const QChar unit : text)
+        for (const QChar unit : units)
             json += fmt::format("\\u{:04x}", static_cast<unsigned>(unit.unicode()));
     }
     return json;

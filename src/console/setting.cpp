@@ -32,10 +32,16 @@ std::string listText(const std::vector<double>& values, Unit unit)
     return joined(values, [unit](double value) { return quantityText(value, unit); });
 }
 
+/// Whether `number` is the index of one of `size` elements; false for what is no number.
+bool isIndex(double number, std::size_t size)
+{
+    return number >= 0 && number < static_cast<double>(size);
+}
+
 /// What stands at a position of the list; nothing beyond its end.
 std::optional<double> at(const std::optional<std::vector<double>>& list, double position)
 {
-    if (!list || position < 0 || position >= static_cast<double>(list->size()))
+    if (!list || !isIndex(position, list->size()))
         return std::nullopt;
     return (*list)[static_cast<std::size_t>(position)];
 }
@@ -50,7 +56,7 @@ std::string positionText(const Reading& reading, double position)
 std::optional<std::string_view> nameOf(const SettingForm& form, double value)
 {
     const auto index = value - form.first;
-    if (index < 0 || index >= static_cast<double>(form.names.size()))
+    if (!isIndex(index, form.names.size()))
         return std::nullopt;
     return form.names[static_cast<std::size_t>(index)];
 }

@@ -90,6 +90,14 @@ TEST_F(HostileNamesTest, AreCarriedInJsonWithoutACharacterThatSteersATerminal)
     EXPECT_TRUE(out.contains("a\\u202etxt"));
 }
 
+TEST_F(HostileNamesTest, AreCarriedInJsonWithAByteOrderMarkInTheirMiddle)
+{
+    const auto name = QStringLiteral("a\uFEFFb");
+    const auto outcome = run({QStringLiteral("--json"), QStringLiteral("files"), QStringLiteral("read"), name});
+    EXPECT_TRUE(outcome.error().value(QStringLiteral("message")).toString().contains(name));
+    EXPECT_TRUE(outcome.out.contains("a\\ufeffb"));
+}
+
 TEST_F(HostileNamesTest, ANameThatIsNotUtf8IsAUsageError)
 {
     writeLocal(QStringLiteral("a"), "x");

@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <limits>
+
 namespace tarn::console {
 
 using testing::HasSubstr;
@@ -95,6 +98,15 @@ TEST(Setting, TakesAChoiceByNameOrNumber)
     EXPECT_EQ(valueText(reading, 3.0), "3");
     EXPECT_EQ(valueJson(reading, 7.0), 7);
     EXPECT_EQ(valueJson(reading, 2.0), QStringLiteral("table"));
+}
+
+TEST(Setting, ShowsWhatIsNoNumber)
+{
+    const auto none = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(valueText(of(quantity(Unit::Hertz)), none), "nan Hz");
+    EXPECT_TRUE(std::isnan(valueJson(of(quantity(Unit::Hertz)), none).toDouble()));
+    EXPECT_TRUE(std::isnan(valueJson(of(choice({"fixed", "table"})), none).toDouble()));
+    EXPECT_TRUE(valueJson(of(position(Unit::Hertz), {.list = List{1e6, 2e6}}), none).isNull());
 }
 
 TEST(Setting, TakesASwitchInThreeSpellings)
