@@ -31,7 +31,7 @@ struct BreachReport {
     unsigned completions; ///< of this request so far, this one included
 };
 
-/// Learns of breaches.
+/// Learns of breaches, and of what keeps a request from being one.
 class TARN_GUARD_EXPORT IBreachObserver {
 public:
     IBreachObserver() = default;
@@ -42,6 +42,9 @@ public:
     /// Called on the thread that noticed: one of the device, the caller's, or the guard's own. Several may call at
     /// once; no lock is held. A request that the guard ends has not ended yet: its caller waits for this to return.
     virtual void onBreach(const BreachReport& report) noexcept = 0;
+
+    /// An operation of the device has come further. On the thread that tells of it, with no lock held by the guard.
+    virtual void onProgress() noexcept { }
 };
 
 struct Options {
