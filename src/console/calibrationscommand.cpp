@@ -53,6 +53,7 @@ constexpr std::string_view statusText(Status status)
 /// The units of a controller; nothing while the instrument does not offer it.
 std::optional<std::vector<Unit>> unitsOf(const Handle& handle)
 {
+    const DeviceCall call;
     const auto controller = handle.lock();
     if (!controller)
         return std::nullopt;
@@ -169,6 +170,7 @@ void watch(Session& session, std::optional<std::uint64_t> count)
     for (const auto& [number, registryKey] : offered(instrument)) {
         instrument.awaitControl(registryKey);
         const auto& handle = handles.emplace_back(instrument.control<Handle>(registryKey));
+        const DeviceCall call;
         reporters.push_back(std::make_unique<Reporter>(*handle, number, loop));
     }
     loop.run();

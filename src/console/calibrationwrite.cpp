@@ -2,17 +2,32 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
 
 namespace tarn::console {
 
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+} // namespace
+
 struct CalibrationWrite::State {
     /// Every write is heard, whoever asked for it, but one after the other in the order in which they
     /// were asked for. So the end of one that was under way before is not ours, and neither is
     /// anything until ours has started, which goes unheard while the controls are away.
     [[nodiscard]] bool isOurs() const { return hasStarted || (hasMissed && !isAnothers); }
+
+    /// Locks the state for something that was heard.
+    [[nodiscard]] std::unique_lock<std::mutex> hear()
+    {
+        std::unique_lock lock{mutex};
+        heard = Clock::now();
+        return lock;
+    }
 
     std::mutex mutex;
     std::condition_variable changed;
@@ -21,6 +36,7 @@ struct CalibrationWrite::State {
     bool hasStarted = false;
     bool hasMissed = false;
     bool mayBeAway = true;
+    Clock::time_point heard; ///< when something was notified last
     std::optional<WriteEnd> end;
 };
 
@@ -33,7 +49,7 @@ CalibrationWrite::CalibrationWrite(const Instrument& instrument, std::uint64_t r
     , m_connection{QObject::connect(&instrument.lifecycle(), &LifecycleWatch::changed,
                                     [state = m_state, &lifecycle = instrument.lifecycle()] {
                                         const bool isAway = lifecycle.isAway();
-                                        const std::scoped_lock lock{state->mutex};
+                                        const auto lock = state->hear();
                                         if (isAway && state->isRequested)
                                             state->hasMissed = true;
                                         state->mayBeAway = true;
@@ -49,7 +65,7 @@ CalibrationWrite::~CalibrationWrite()
 
 void CalibrationWrite::requested()
 {
-    const std::scoped_lock lock{m_state->mutex};
+    const auto lock = m_state->hear();
     m_state->isRequested = true;
 }
 
@@ -57,10 +73,14 @@ WriteEnd CalibrationWrite::wait()
 {
     std::unique_lock lock{m_state->mutex};
     for (;;) {
-        m_state->changed.wait(lock, [this] { return m_state->end || m_state->mayBeAway; });
+        const auto isSilent = [this] { return Clock::now() >= m_state->heard + m_instrument.limit(); };
+        const auto isOver = [&] { return m_state->end || m_state->mayBeAway || isSilent(); };
+        while (!isOver())
+            m_state->changed.wait_until(lock, m_state->heard + m_instrument.limit());
         if (const auto& end = m_state->end)
             return *end;
-        m_state->mayBeAway = false;
+        if (!std::exchange(m_state->mayBeAway, false))
+            return std::unexpected{WriteFailure{std::nullopt, m_state->hasStarted, true}};
         lock.unlock();
         try {
             m_instrument.awaitControl(m_registryKey);
@@ -74,14 +94,14 @@ WriteEnd CalibrationWrite::wait()
 
 void CalibrationWrite::started()
 {
-    const std::scoped_lock lock{m_state->mutex};
+    const auto lock = m_state->hear();
     (m_state->isRequested ? m_state->hasStarted : m_state->isAnothers) = true;
 }
 
 void CalibrationWrite::progress(std::uint32_t percent)
 {
     {
-        const std::scoped_lock lock{m_state->mutex};
+        const auto lock = m_state->hear();
         const bool isOurs = m_state->isOurs();
         (isOurs ? m_state->hasStarted : m_state->isAnothers) = true;
         if (!isOurs)
@@ -92,7 +112,7 @@ void CalibrationWrite::progress(std::uint32_t percent)
 
 void CalibrationWrite::finished()
 {
-    const std::scoped_lock lock{m_state->mutex};
+    const auto lock = m_state->hear();
     if (m_state->isOurs())
         endWith({});
     else
@@ -101,7 +121,7 @@ void CalibrationWrite::finished()
 
 void CalibrationWrite::failed(std::string reason)
 {
-    const std::scoped_lock lock{m_state->mutex};
+    const auto lock = m_state->hear();
     const bool isRefusal = m_state->isRequested && !m_state->isAnothers;
     if (m_state->isOurs() || isRefusal)
         endWith(std::unexpected{WriteFailure{std::move(reason), m_state->hasStarted}});
@@ -120,7 +140,7 @@ void CalibrationWrite::endWith(WriteEnd end)
 Error writeFailed(const Change& change, const WriteFailure& failure, const std::optional<LongRequest::Progress>& last)
 {
     if (!failure.reason)
-        return changeLost(change, last);
+        return failure.isSilent ? changeUnanswered(change, last) : changeLost(change, last);
     if (!failure.hasStarted)
         return Error{ErrorCode::Failed,
                      fmt::format("{} was refused by the instrument: {}; it began nothing, so {} should be as before",

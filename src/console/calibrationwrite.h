@@ -15,8 +15,9 @@ namespace tarn::console {
 
 /// Why a write of calibration data came to no good end.
 struct WriteFailure {
-    std::optional<std::string> reason; ///< what the instrument gave; nothing: the instrument was lost
+    std::optional<std::string> reason; ///< what the instrument gave; nothing: the instrument was lost or silent
     bool hasStarted = false; ///< the instrument had begun to write
+    bool isSilent = false; ///< the instrument was there and said nothing for too long
 
     friend bool operator==(const WriteFailure&, const WriteFailure&) = default;
 };
@@ -40,8 +41,8 @@ public:
     /// The write is about to be requested; what was heard until now is not of it.
     void requested();
 
-    /// Waits until the instrument has ended the write, or until it does not come back after a drop.
-    /// A drop alone does not end the write.
+    /// Waits until the instrument has ended the write, until it does not come back after a drop, or until it has said
+    /// nothing for longer than it may. A drop alone does not end the write.
     [[nodiscard]] WriteEnd wait();
 
     void started();

@@ -17,6 +17,16 @@ std::string counts(const Change& change, const Progress& progress)
                        unit == OperationName::Unit::Bytes ? "bytes" : "steps");
 }
 
+/// What is known of a change that has no end; continues a message.
+std::string howFar(const Change& change, const std::optional<Progress>& last)
+{
+    if (!last)
+        return fmt::format(" while {}: it reported no progress; whether {} was changed is not known", change.doing,
+                           change.target);
+    return fmt::format(" while {}: it reported {} as done; whether more of {} was changed is not known", change.doing,
+                       counts(change, *last), change.target);
+}
+
 } // namespace
 
 Error changeFailed(const Change& change, const std::optional<Progress>& last)
@@ -41,17 +51,12 @@ Error changeFailed(const Change& change, const std::optional<Progress>& last)
 
 Error changeLost(const Change& change, const std::optional<Progress>& last)
 {
-    if (!last)
-        return Error{ErrorCode::InstrumentLost,
-                     fmt::format("the instrument was lost while {}: it reported no progress; whether {} was changed "
-                                 "is not known",
-                                 change.doing, change.target),
-                     change.advice};
-    return Error{ErrorCode::InstrumentLost,
-                 fmt::format("the instrument was lost while {}: it reported {} as done; whether more of {} was changed "
-                             "is not known",
-                             change.doing, counts(change, *last), change.target),
-                 change.advice};
+    return Error{ErrorCode::InstrumentLost, "the instrument was lost" + howFar(change, last), change.advice};
+}
+
+Error changeUnanswered(const Change& change, const std::optional<Progress>& last)
+{
+    return unanswered(howFar(change, last), change.advice);
 }
 
 Error changeBroken(const Change& change, std::string_view what)

@@ -27,6 +27,9 @@ struct Change {
 /// The instrument was lost after `last` was notified.
 [[nodiscard]] Error changeLost(const Change& change, const std::optional<LongRequest::Progress>& last);
 
+/// The instrument did not answer in time after `last` was notified.
+[[nodiscard]] Error changeUnanswered(const Change& change, const std::optional<LongRequest::Progress>& last);
+
 /// The request ended with an exception of the device, `what`.
 [[nodiscard]] Error changeBroken(const Change& change, std::string_view what);
 
@@ -48,8 +51,8 @@ struct Change {
 /// another thread. It is made again after a drop as long as the instrument has not notified any
 /// progress of it. Ctrl-C goes to `warning`.
 ///
-/// Throws `Error`: `Failed` when the instrument refuses or its software throws, `InstrumentLost`
-/// when it is lost; each says what is known.
+/// Throws `Error`: `Failed` when the instrument refuses or its software throws or gives up, `InstrumentLost`
+/// when it is lost or does not answer; each says what is known.
 template <class Control, class Request>
 void make(const Change& change, const Instrument& instrument, const Output& output, InterruptWarning& warning,
           Request request)
@@ -60,13 +63,19 @@ void make(const Change& change, const Instrument& instrument, const Output& outp
         const auto watch = watchChange(change, instrument, Control::registryKey, attempt == 1);
         LongRequest longRequest{output, change.progress, &warning};
         try {
-            if (longRequest.run([&] { return request(*control, longRequest); }))
+            const auto limited = [&] {
+                const DeviceCall call;
+                return request(*control, longRequest);
+            };
+            if (longRequest.run(limited))
                 return;
         } catch (...) {
             throw changeBroken(change, caughtError().message());
         }
+        if (watch.answers().isTimedOut())
+            throw changeUnanswered(change, longRequest.last());
         if (!watch.isLost())
-            throw changeFailed(change, longRequest.last());
+            throw watch.answers().isGivenUp() ? changeBroken(change, gaveUp) : changeFailed(change, longRequest.last());
         if (longRequest.last() || attempt == attempts)
             throw changeLost(change, longRequest.last());
     }

@@ -1,10 +1,12 @@
 #include <console/commandline.h>
 
 #include <console/text.h>
+#include <utils/duration.h>
 
 #include <QJsonObject>
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <memory>
 #include <utility>
@@ -71,6 +73,18 @@ bool isOption(std::string_view word)
     return word.starts_with('-');
 }
 
+/// A time as in addresses, or in seconds.
+std::chrono::milliseconds timeoutFrom(const std::string& text)
+{
+    static constexpr std::chrono::days longest{1};
+    const auto isBare = text.find_last_not_of("0123456789.") == std::string::npos;
+    const auto length = utils::parseDuration(isBare ? text + 's' : text);
+    if (!length || *length < std::chrono::milliseconds{1} || *length > longest)
+        throw CLI::ValidationError{
+            "--timeout", "'" + text + "' is not a time such as 30, 500ms or 2min, from a millisecond to a day"};
+    return std::chrono::floor<std::chrono::milliseconds>(*length);
+}
+
 } // namespace
 
 CommandLine::CommandLine()
@@ -97,6 +111,11 @@ void CommandLine::addGlobalOptions()
                     "Where a simulated instrument keeps its state; 'none' keeps it in memory "
                     "[$XDG_STATE_HOME/tarn-service]")
         ->type_name("DIR");
+    m_app
+        .add_option_function<std::string>(
+            "--timeout", [this](const std::string& text) { m_options.timeout = timeoutFrom(text); },
+            "How long the instrument may take without progress, in seconds or as 500ms or 2min [30]")
+        ->type_name("TIME");
     m_app.add_flag("--json", m_options.output.json, "One JSON object on standard output instead of text");
     m_app
         .add_option_function<std::string>(

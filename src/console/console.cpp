@@ -73,12 +73,13 @@ int run(int argc, const char* const* argv)
     const Output output{line.options().output, line.command()};
     warningsTo = &output;
     output.exitOnInterrupt();
+    Session session{line.options(), output};
     const auto code = reporting(output, [&] {
         if (usage)
             throw *usage; // NOLINT(cert-err09-cpp,cert-err61-cpp,misc-throw-by-value-catch-by-reference)
-        Session session{line.options(), output};
         line.run(session);
     });
+    session.close(code); // only now: it may not come back from that
     warningsTo = nullptr;
     return code;
 }

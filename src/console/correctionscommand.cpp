@@ -30,6 +30,7 @@ struct State {
 
 State stateOf(const Control& control, FactoryCorrection correction)
 {
+    const DeviceCall call;
     return {correction, control.isValid(correction), control.isEnabled(correction), control.isModifiable(correction)};
 }
 
@@ -101,6 +102,7 @@ void setEnabled(Session& session, FactoryCorrection correction, bool enabled)
     auto state = findSwitchable(instrument, correction);
     const bool identical = state.isEnabled == enabled;
     if (!identical) {
+        session.output().expectChange();
         whileHere(instrument, [&](Control& control) { control.setEnabled(correction, enabled); });
         verify(fmt::format("the {} correction was switched {}", name, word),
                "see what the instrument has with 'tarn-service corrections list', then do it again", [&] {

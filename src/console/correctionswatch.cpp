@@ -30,12 +30,15 @@ public:
     {
     }
 
-    void onSupportedChanged() override { post("supported", m_control.supported()); }
+    void onSupportedChanged() override { post("supported", supported()); }
 
     void onValidChanged() override
     {
-        auto valid = m_control.supported();
-        std::erase_if(valid, [&](FactoryCorrection correction) { return !m_control.isValid(correction); });
+        auto valid = supported();
+        std::erase_if(valid, [&](FactoryCorrection correction) {
+            const DeviceCall call;
+            return !m_control.isValid(correction);
+        });
         post("valid", valid);
     }
 
@@ -56,6 +59,12 @@ public:
     }
 
 private:
+    [[nodiscard]] std::vector<FactoryCorrection> supported() const
+    {
+        const DeviceCall call;
+        return m_control.supported();
+    }
+
     void post(std::string_view event, const std::vector<FactoryCorrection>& corrections)
     {
         const auto [json, text] = namesOf(corrections);

@@ -1,5 +1,7 @@
 #include <console/error.h>
 
+#include <fmt/format.h>
+
 #include <new>
 
 namespace tarn::console {
@@ -46,6 +48,13 @@ std::string_view errorWord(ErrorCode code)
 int exitCode(ErrorCode code)
 {
     return row(code).exitCode;
+}
+
+Error unanswered(std::string_view about, std::string_view hint)
+{
+    return Error{ErrorCode::InstrumentLost, fmt::format("the instrument did not answer in time{}", about),
+                 fmt::format("check the instrument and its connection, or give it more time with --timeout{}{}",
+                             hint.empty() ? "" : "; ", hint)};
 }
 
 Error caughtError()

@@ -46,6 +46,10 @@ private:
     std::string m_hint;
 };
 
+/// The error of an instrument that did not answer in time. `about` goes on from there (" while ..."), `hint` says what
+/// to do besides looking after the instrument (may be empty).
+[[nodiscard]] Error unanswered(std::string_view about, std::string_view hint = {});
+
 /// The exception that is being handled as an error: it says what is known of anything but an `Error`.
 /// Only in a `catch`.
 [[nodiscard]] Error caughtError();

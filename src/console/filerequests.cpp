@@ -14,19 +14,30 @@ namespace {
 
 using Control = FilesCommand::Control;
 
+constexpr auto unchanged = "the instrument is as it was";
+
 /// The result of one request. One that found the control unavailable was not made, so it is made
-/// again once the control is back.
+/// again once the control is back. `outcome` says what is known of the files when it was not answered.
 template <class Request>
-auto ask(const Instrument& instrument, Request request)
+auto ask(const Instrument& instrument, std::string_view outcome, Request request)
 {
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
-        auto outcome = request(*control);
-        if (outcome)
-            return std::move(outcome).value();
-        if (outcome.error() != Control::unavailableMessage)
-            throw Error{ErrorCode::Failed, outcome.error().toStdString(),
-                        "the instrument is as it was; 'tarn-service files list' shows what it holds"};
+        const AnswerWatch answers{instrument};
+        auto answer = [&] {
+            const DeviceCall call;
+            return request(*control);
+        }();
+        if (answer)
+            return std::move(answer).value();
+        const auto hint = [](std::string_view known) {
+            return fmt::format("{}; 'tarn-service files list' shows what it holds", known);
+        };
+        if (answers.isTimedOut())
+            throw unanswered({}, hint(outcome));
+        if (answer.error() != Control::unavailableMessage)
+            throw Error{ErrorCode::Failed, answer.error().toStdString(),
+                        hint(answers.isGivenUp() ? outcome : unchanged)};
         instrument.awaitControl(Control::registryKey);
         if (attempt == attempts)
             throw Error{ErrorCode::Failed, "the instrument offers its file memory, but the memory cannot be used now",
@@ -40,12 +51,12 @@ constexpr auto verifyHint = "see what the instrument has with 'tarn-service file
 
 QList<FileInfo> list(const Instrument& instrument)
 {
-    return ask(instrument, [](Control& control) { return control.fileList(); });
+    return ask(instrument, unchanged, [](Control& control) { return control.fileList(); });
 }
 
 SpaceInfo space(const Instrument& instrument)
 {
-    return ask(instrument, [](Control& control) { return control.spaceInfo(); });
+    return ask(instrument, unchanged, [](Control& control) { return control.spaceInfo(); });
 }
 
 std::optional<FileInfo> find(const Instrument& instrument, const QString& name)
@@ -65,12 +76,13 @@ FileInfo findOrThrow(const Instrument& instrument, const QString& name)
 
 QByteArray contentsOf(const Instrument& instrument, const FileInfo& file)
 {
-    return ask(instrument, [&](Control& control) { return control.readFile(file); });
+    return ask(instrument, unchanged, [&](Control& control) { return control.readFile(file); });
 }
 
 void write(const Instrument& instrument, const QString& name, const QByteArray& contents)
 {
-    ask(instrument, [&](Control& control) { return control.writeFile(name, contents); });
+    ask(instrument, fmt::format("whether '{}' was written is not known", name),
+        [&](Control& control) { return control.writeFile(name, contents); });
     verify(fmt::format("'{}' was written", name), verifyHint, [&] {
         const auto file = find(instrument, name);
         return file && contentsOf(instrument, *file) == contents;
@@ -79,7 +91,8 @@ void write(const Instrument& instrument, const QString& name, const QByteArray& 
 
 void remove(const Instrument& instrument, const FileInfo& file)
 {
-    ask(instrument, [&](Control& control) { return control.deleteFile(file); });
+    ask(instrument, fmt::format("whether '{}' was deleted is not known", file.name),
+        [&](Control& control) { return control.deleteFile(file); });
     verify(fmt::format("'{}' was deleted", file.name), verifyHint, [&] { return !find(instrument, file.name); });
 }
 

@@ -26,8 +26,10 @@ devices::ControlRegistry makeRegistry()
 
 } // namespace
 
-Instrument::Instrument(std::shared_ptr<sdk::IVna> device)
-    : m_device{std::move(device)}
+Instrument::Instrument(std::shared_ptr<sdk::IVna> device, const Output& output, std::chrono::milliseconds limit)
+    : m_limit{limit}
+    , m_breaches{std::make_shared<Breaches>(output)}
+    , m_device{guard::guarded(std::move(device), {limit, m_breaches})}
     , m_registry{makeRegistry()}
     , m_lifecycle{m_device}
     , m_controls{m_device, m_registry, AllControls::Types{}}
@@ -37,7 +39,21 @@ Instrument::Instrument(std::shared_ptr<sdk::IVna> device)
 bool Instrument::isThere(std::uint64_t registryKey) const
 {
     const auto* const row = findControlRow(registryKey);
+    const DeviceCall call;
     return row && m_device->control(row->sdkKey);
+}
+
+bool Instrument::isBack(std::uint64_t registryKey) const
+{
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + patience;
+    for (;;) {
+        const auto counts = m_lifecycle.waitUntilBack(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
+        if (!counts || isThere(registryKey))
+            return counts.has_value();
+        if (m_lifecycle.drops() == counts->drops || Clock::now() >= end)
+            return false; // gone without a word, or time and again
+    }
 }
 
 bool Instrument::isCreated(std::uint64_t registryKey) const
@@ -50,10 +66,7 @@ bool Instrument::isCreated(std::uint64_t registryKey) const
 
 void Instrument::awaitControl(std::uint64_t registryKey) const
 {
-    // A control that is about to go can still be had, but not for long.
-    const bool isHere = (!m_lifecycle.isAway() && isThere(registryKey))
-        || (m_lifecycle.waitUntilBack(patience) && isThere(registryKey));
-    if (isHere && isCreated(registryKey))
+    if (isBack(registryKey) && isCreated(registryKey))
         return;
     if (!isOffered(registryKey))
         throw notOffered(registryKey);

@@ -14,24 +14,25 @@ namespace tarn::console::platform {
 
 namespace {
 
-/// A text that any thread may read and change.
-class Words {
+/// A value that any thread may read and change.
+template <class Type>
+class Shared {
 public:
-    [[nodiscard]] std::string get()
+    [[nodiscard]] Type get()
     {
         const utils::MutexLock lock{m_mutex};
-        return m_text;
+        return m_value;
     }
 
-    void set(std::string text)
+    void set(Type value)
     {
         const utils::MutexLock lock{m_mutex};
-        m_text = std::move(text);
+        m_value = std::move(value);
     }
 
 private:
     utils::Mutex m_mutex;
-    std::string m_text TARN_GUARDED_BY(m_mutex);
+    Type m_value TARN_GUARDED_BY(m_mutex);
 };
 
 // What the thread that waits for Ctrl-C shares with the rest of the program. It outlives `main`, so
@@ -39,18 +40,19 @@ private:
 // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): a process has one Ctrl-C
 std::atomic<int> guards{0};
 std::atomic<bool> requested{false};
+std::atomic<bool> ending{false};
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 // NOLINTBEGIN(cppcoreguidelines-owning-memory): never destroyed
-Words& firstWords()
+Shared<std::string>& firstWords()
 {
-    static auto* const words = new Words;
+    static auto* const words = new Shared<std::string>;
     return *words;
 }
 
-Words& lastWords()
+Shared<LastWords>& sharedLastWords()
 {
-    static auto* const words = new Words;
+    static auto* const words = new Shared<LastWords>;
     return *words;
 }
 // NOLINTEND(cppcoreguidelines-owning-memory)
@@ -81,14 +83,6 @@ sigset_t interruptSignals()
     return signalSet;
 }
 
-[[noreturn]] void endInterrupted(Stream stream)
-{
-    const auto signalSet = interruptSignals();
-    ::pthread_sigmask(SIG_UNBLOCK, &signalSet, nullptr); // another Ctrl-C ends a write that hangs
-    writeLastWords(stream, lastWords().get());
-    ::_exit(130);
-}
-
 void awaitInterrupts(Stream stream)
 {
     const auto signalSet = interruptSignals();
@@ -97,7 +91,7 @@ void awaitInterrupts(Stream stream)
         if (::sigwait(&signalSet, &signal) != 0 || (signal == SIGHUP && std::exchange(hungUp, true)))
             continue;
         if (guards == 0 || requested.exchange(true))
-            endInterrupted(stream);
+            endProgram(stream, lastWords().interrupted, 130);
         static_cast<void>(::eventfd_write(interruptEvent(), 1));
         tryWrite(Stream::Error, firstWords().get());
     }
@@ -111,20 +105,35 @@ void holdInterrupts()
     ::pthread_sigmask(SIG_BLOCK, &signalSet, nullptr); // in every thread to come as well
 }
 
-void exitOnInterrupt(Stream stream, std::string words)
+void exitOnInterrupt(Stream stream, LastWords words)
 {
     setLastWords(std::move(words));
     std::thread{[stream] { awaitInterrupts(stream); }}.detach();
 }
 
-void setLastWords(std::string words)
+void setLastWords(LastWords words)
 {
-    lastWords().set(std::move(words));
+    sharedLastWords().set(std::move(words));
+}
+
+LastWords lastWords()
+{
+    return sharedLastWords().get();
+}
+
+void endProgram(Stream stream, std::string_view words, int exitCode)
+{
+    while (ending.exchange(true))
+        ::pause(); // another thread ends it
+    const auto signalSet = interruptSignals();
+    ::pthread_sigmask(SIG_UNBLOCK, &signalSet, nullptr); // another Ctrl-C ends a write that hangs
+    writeLastWords(stream, words);
+    ::_exit(exitCode);
 }
 
 InterruptGuard::InterruptGuard()
     : m_firstWordsBefore{firstWords().get()}
-    , m_lastWordsBefore{lastWords().get()}
+    , m_lastWordsBefore{lastWords()}
 {
     ++guards;
 }
@@ -133,7 +142,7 @@ InterruptGuard::~InterruptGuard()
 {
     --guards;
     firstWords().set(m_firstWordsBefore);
-    lastWords().set(m_lastWordsBefore);
+    platform::setLastWords(m_lastWordsBefore);
 }
 
 bool InterruptGuard::isRequested() const // NOLINT(readability-convert-member-functions-to-static)
@@ -146,9 +155,9 @@ void InterruptGuard::setFirstWords(std::string words) // NOLINT(readability-conv
     firstWords().set(std::move(words));
 }
 
-void InterruptGuard::setLastWords(std::string words) // NOLINT(readability-convert-member-functions-to-static)
+void InterruptGuard::setLastWords(LastWords words) // NOLINT(readability-convert-member-functions-to-static)
 {
-    lastWords().set(std::move(words));
+    platform::setLastWords(std::move(words));
 }
 
 int InterruptGuard::descriptor() const // NOLINT(readability-convert-member-functions-to-static)

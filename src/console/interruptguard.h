@@ -3,6 +3,7 @@
 #include <console/platform.h>
 
 #include <string>
+#include <string_view>
 
 /// Ctrl-C. Whatever these comments say of it holds for the signals SIGTERM and SIGHUP as well. One
 /// that was ignored when the program was started goes on being ignored, and a hang-up counts once:
@@ -12,12 +13,22 @@ namespace tarn::console::platform {
 /// To be called before the first thread: holds Ctrl-C back until `exitOnInterrupt`.
 void holdInterrupts();
 
-/// From now on Ctrl-C writes `lastWords` to `stream` and ends the program with exit code 130. They
-/// are left out on a standard output that holds something already, unless it was yielded.
-void exitOnInterrupt(Stream stream, std::string lastWords);
+/// What the program says when it is ended in the middle of its command.
+struct LastWords {
+    std::string interrupted; ///< by Ctrl-C
+    std::string unanswered; ///< because the instrument does not answer
+};
+
+/// From now on Ctrl-C ends the program as `endProgram` does, with `lastWords` and exit code 130.
+void exitOnInterrupt(Stream stream, LastWords lastWords);
 
 /// Other last words than those of `exitOnInterrupt` from now on.
-void setLastWords(std::string lastWords);
+void setLastWords(LastWords lastWords);
+[[nodiscard]] LastWords lastWords();
+
+/// Writes `words` to `stream` and ends the program at once, whatever its threads are doing. The words are left out on a
+/// standard output that holds something already, unless it was yielded. Threads: any.
+[[noreturn]] void endProgram(Stream stream, std::string_view words, int exitCode);
 
 /// While one is alive, the first Ctrl-C of the program does not end it but is recorded, for good;
 /// a second one ends it. Guards may nest; each leaves the words as it found them.
@@ -33,15 +44,15 @@ public:
     /// What the first Ctrl-C writes to standard error from now on, unless that would have to wait.
     void setFirstWords(std::string firstWords);
 
-    /// What a second Ctrl-C writes from now on.
-    void setLastWords(std::string lastWords);
+    /// What a second Ctrl-C writes from now on, and an end for another reason.
+    void setLastWords(LastWords lastWords);
 
     /// A file descriptor that becomes readable when Ctrl-C is recorded.
     [[nodiscard]] int descriptor() const;
 
 private:
     const std::string m_firstWordsBefore;
-    const std::string m_lastWordsBefore;
+    const LastWords m_lastWordsBefore;
 };
 
 } // namespace tarn::console::platform

@@ -16,7 +16,7 @@ InterruptWarning::InterruptWarning(const Output& output)
 void InterruptWarning::setConsequences(std::string leftBehind, const std::string& advice)
 {
     m_leftBehind = std::move(leftBehind);
-    m_output.setLastWords(m_guard, Error{ErrorCode::Interrupted, fmt::format("interrupted: {}", m_leftBehind), advice});
+    m_output.setLastWords(m_guard, ": " + m_leftBehind, advice);
 }
 
 void InterruptWarning::warn()

@@ -1,5 +1,7 @@
 #include <console/lifecyclewatch.h>
 
+#include <console/devicecall.h>
+
 #include <utility>
 
 namespace tarn::console {
@@ -29,6 +31,7 @@ bool LifecycleWatch::isAway() const
 
 bool LifecycleWatch::whileHere(const std::function<bool()>& operation) const
 {
+    const DeviceCall call;
     // The instrument drops nothing before its announcement has returned, and that needs the mutex.
     const utils::MutexLock lock{m_mutex};
     return !m_away && operation();

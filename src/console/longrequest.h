@@ -1,5 +1,6 @@
 #pragma once
 
+#include <console/devicecall.h>
 #include <console/interruptwarning.h>
 #include <console/postbox.h>
 #include <console/progressdisplay.h>
@@ -61,11 +62,16 @@ public:
         : m_control{control}
         , m_observer{observer}
     {
+        const DeviceCall call;
         m_control.addObserver(handle());
     }
     Registration(const Registration&) = delete;
     Registration& operator=(const Registration&) = delete;
-    ~Registration() { m_control.removeObserver(handle()); }
+    ~Registration()
+    {
+        const DeviceCall call;
+        m_control.removeObserver(handle());
+    }
 
 private:
     /// The observer as the control takes it: by pointer or by association.

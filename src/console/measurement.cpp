@@ -20,6 +20,7 @@ double temperatureOf(const Instrument& instrument)
                     "give it in degrees Celsius with --value"};
     const auto thermometer = instrument.control<Thermometer>();
     instrument.awaitControl(Thermometer::registryKey);
+    const DeviceCall call;
     return thermometer->temperature();
 }
 

@@ -66,9 +66,12 @@ template <class Request>
 auto look(Session& session, const OperationName& name, InterruptWarning* warning, const Question& question,
           Request request)
 {
-    return ask<Control>(session.instrument(), question, [&](Control& control) {
+    return askInTime<Control>(session.instrument(), question, [&](Control& control) {
         LongRequest longRequest{session.output(), name, warning};
-        return longRequest.run([&] { return observed(control, longRequest, name.word, request); });
+        return longRequest.run([&] {
+            const DeviceCall call;
+            return observed(control, longRequest, name.word, request);
+        });
     });
 }
 

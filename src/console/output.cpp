@@ -145,15 +145,13 @@ void Output::error(const Error& error) const
 
 void Output::exitOnInterrupt() const
 {
-    platform::exitOnInterrupt(m_options.json ? platform::Stream::Output : platform::Stream::Error,
-                              lastWords(Error{ErrorCode::Interrupted, "interrupted"}));
+    platform::exitOnInterrupt(lastWordsStream(), lastWords({}, {}));
 }
 
 void Output::expectChange() const
 {
     platform::setLastWords(
-        lastWords(Error{ErrorCode::Interrupted, "interrupted",
-                        "what was under way may or may not have been done; look before doing it again"}));
+        lastWords({}, "what was under way may or may not have been done; look before doing it again"));
     detail("a change of the instrument is under way");
 }
 
@@ -162,14 +160,35 @@ void Output::setFirstWords(platform::InterruptGuard& guard, std::string_view tex
     guard.setFirstWords(text.empty() ? std::string{} : '\n' + textWarning(text));
 }
 
-void Output::setLastWords(platform::InterruptGuard& guard, const Error& interrupted) const
+void Output::setLastWords(platform::InterruptGuard& guard, std::string_view about, const std::string& hint) const
 {
-    guard.setLastWords(lastWords(interrupted));
+    guard.setLastWords(lastWords(about, hint));
 }
 
-std::string Output::lastWords(const Error& interrupted) const
+void Output::endUnanswered() const
 {
-    return m_options.json ? jsonError(interrupted) : '\n' + textError(interrupted);
+    platform::endProgram(lastWordsStream(), platform::lastWords().unanswered, exitCode(ErrorCode::InstrumentLost));
+}
+
+void Output::endUnclosed(int code) const
+{
+    const auto error = unanswered(" while it was being closed", code == 0 ? "the command was done before" : "");
+    platform::endProgram(platform::Stream::Error, textError(error), code == 0 ? exitCode(error.code()) : code);
+}
+
+platform::Stream Output::lastWordsStream() const
+{
+    return m_options.json ? platform::Stream::Output : platform::Stream::Error;
+}
+
+platform::LastWords Output::lastWords(std::string_view about, const std::string& hint) const
+{
+    const Error interrupted{ErrorCode::Interrupted, fmt::format("interrupted{}", about), hint};
+    const auto lost = unanswered(about, hint);
+    if (m_options.json)
+        return {jsonError(interrupted), jsonError(lost)};
+    const auto* const endOfLine = progressStyle() == ProgressStyle::Bar ? "\n" : "";
+    return {'\n' + textError(interrupted), endOfLine + textError(lost)};
 }
 
 std::string Output::textWarning(std::string_view text) const
@@ -200,15 +219,16 @@ bool Output::canAsk() const // NOLINT(readability-convert-member-functions-to-st
 
 bool Output::confirm(std::string_view question) const
 {
-    const Error interrupted{ErrorCode::Interrupted, "interrupted at the question", "what was asked for was not done"};
+    static constexpr auto about = " at the question";
+    static constexpr auto hint = "what was asked for was not done";
     platform::InterruptGuard guard;
     setFirstWords(guard, {});
-    setLastWords(guard, interrupted);
+    setLastWords(guard, about, hint);
     static_cast<void>(platform::write(platform::Stream::Error, escaped(question) + " [y/N] "));
     const auto answer = platform::readLine(guard.descriptor());
     if (!answer || guard.isRequested()) {
         static_cast<void>(platform::write(platform::Stream::Error, "\n"));
-        throw Error{interrupted};
+        throw Error{ErrorCode::Interrupted, fmt::format("interrupted{}", about), hint};
     }
     const auto word = QString::fromStdString(*answer).toLower();
     return word == QLatin1StringView{"y"} || word == QLatin1StringView{"yes"};

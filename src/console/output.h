@@ -93,8 +93,15 @@ public:
     /// While `guard` is alive the first Ctrl-C gives the warning `text` at once; empty: says nothing.
     void setFirstWords(platform::InterruptGuard& guard, std::string_view text) const;
 
-    /// While `guard` is alive the second Ctrl-C ends the program with `interrupted`.
-    void setLastWords(platform::InterruptGuard& guard, const Error& interrupted) const;
+    /// While `guard` is alive the second Ctrl-C ends the program with "interrupted", and an instrument that does not
+    /// answer with `unanswered`, followed by `about` (": ...") and the hint.
+    void setLastWords(platform::InterruptGuard& guard, std::string_view about, const std::string& hint) const;
+
+    /// Ends the program at once as the instrument does not answer, with the last words.
+    [[noreturn]] void endUnanswered() const;
+
+    /// The same when the command has come to its end, with the exit code `code`, and the instrument cannot be closed.
+    [[noreturn]] void endUnclosed(int code) const;
 
     /// Whether there is somebody to ask: standard input and error are a terminal.
     [[nodiscard]] bool canAsk() const;
@@ -107,7 +114,8 @@ public:
     [[nodiscard]] std::string paint(Style style, std::string_view text) const;
 
 private:
-    [[nodiscard]] std::string lastWords(const Error& interrupted) const;
+    [[nodiscard]] platform::Stream lastWordsStream() const;
+    [[nodiscard]] platform::LastWords lastWords(std::string_view about, const std::string& hint) const;
     [[nodiscard]] std::string textWarning(std::string_view text) const;
     [[nodiscard]] std::string jsonError(const Error& error) const;
     [[nodiscard]] std::string textError(const Error& error) const;

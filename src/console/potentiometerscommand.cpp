@@ -24,7 +24,10 @@ std::vector<Potentiometer> list(const Instrument& instrument)
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
         const LossWatch watch{instrument, Control::registryKey};
-        auto potentiometers = control->potentiometers();
+        auto potentiometers = [&] {
+            const DeviceCall call;
+            return control->potentiometers();
+        }();
         if (!potentiometers.empty() || !watch.isLost())
             return potentiometers;
         if (attempt == attempts)

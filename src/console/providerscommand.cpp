@@ -12,11 +12,18 @@ namespace {
 
 using Loaded = ProviderCatalogue::Loaded;
 
+/// What the provider can reach now.
+QList<provider::Address> addressesOf(const provider::IDeviceProvider& provider)
+{
+    const DeviceCall call;
+    return provider.addresses();
+}
+
 QJsonObject described(const Loaded& loaded)
 {
     const auto& provider = *loaded.provider;
     QJsonArray addresses;
-    for (const auto& address : provider.addresses())
+    for (const auto& address : addressesOf(provider))
         addresses.append(QJsonObject{{QStringLiteral("address"), address.address},
                                      {QStringLiteral("description"), address.description}});
     QJsonArray options;
@@ -36,7 +43,7 @@ std::string text(const Output& output, const Loaded& loaded)
     auto text = fmt::format("{}  {}\n  from {}\n\n", output.paint(Output::Style::Heading, escaped(provider.name())),
                             escaped(provider.description()), escaped(loaded.file));
     text += "  Instruments (the first is the default):\n";
-    for (const auto& address : provider.addresses())
+    for (const auto& address : addressesOf(provider))
         text += fmt::format("    {} {}\n", padded(escaped(address.address), 24), escaped(address.description));
     text += fmt::format("\n  Address: {}\n", escaped(provider.addressSyntax()));
     for (const auto& option : provider.addressOptions()) {

@@ -15,6 +15,26 @@ namespace tarn::console {
 /// change has done while it fails.
 inline constexpr int attempts = 3;
 
+/// Tells a request that the instrument refused from one that it did not answer.
+class AnswerWatch {
+public:
+    /// Starts watching.
+    explicit AnswerWatch(const Instrument& instrument)
+        : m_instrument{instrument}
+    {
+    }
+
+    /// Whether a request was not answered in time since.
+    [[nodiscard]] bool isTimedOut() const { return m_instrument.unansweredRequests().timedOut != m_before.timedOut; }
+
+    /// Whether the instrument has given a request up since.
+    [[nodiscard]] bool isGivenUp() const { return m_instrument.unansweredRequests().dropped != m_before.dropped; }
+
+private:
+    const Instrument& m_instrument;
+    const Breaches::Counts m_before = m_instrument.unansweredRequests();
+};
+
 /// Tells a request that the instrument refused from one during which it dropped the control: the
 /// controls report either only as a failure.
 class LossWatch {
@@ -28,6 +48,9 @@ public:
         instrument.awaitControl(registryKey);
     }
 
+    /// What has become of the request; nothing if it was answered.
+    [[nodiscard]] const AnswerWatch& answers() const { return m_answers; }
+
     /// Whether the control has been dropped since.
     [[nodiscard]] bool isLost() const
     {
@@ -38,6 +61,7 @@ private:
     const Instrument& m_instrument;
     const std::uint64_t m_registryKey;
     const std::uint64_t m_drops;
+    const AnswerWatch m_answers{m_instrument};
 };
 
 /// The error of an instrument that dropped its controls at every attempt to do `what`.
@@ -46,6 +70,21 @@ private:
     return Error{ErrorCode::InstrumentLost,
                  "the instrument dropped its controls each time it was to " + std::string{what},
                  "nothing was changed; check the instrument and its connection, then try again"};
+}
+
+/// The error of an instrument that did not answer when it was asked for `what`, which changes nothing.
+[[nodiscard]] inline Error notAnswered(std::string_view what)
+{
+    return unanswered(" when it was to " + std::string{what}, "nothing was changed");
+}
+
+/// What an instrument says when it gives a request up; continues a message.
+inline constexpr auto gaveUp = "it gave the request up without an answer";
+
+/// `failed`, by an instrument that gave the request up.
+[[nodiscard]] inline Error givenUp(const Error& failed)
+{
+    return Error{failed.code(), failed.message() + "; " + gaveUp, failed.hint()};
 }
 
 /// Runs `operation`, which must be quick, while the instrument holds on to the control. `what` is looked at or
@@ -70,9 +109,9 @@ struct Question {
 
 /// The result of a request that changes nothing, so that it can be made again after a drop.
 /// Throws the question's error when the instrument refuses, `Error` (`InstrumentLost`) when it is
-/// lost.
+/// lost or does not answer. `request` is not limited in time by this.
 template <class Control, class Request>
-auto ask(const Instrument& instrument, const Question& question, Request request)
+auto askInTime(const Instrument& instrument, const Question& question, Request request)
 {
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
@@ -80,11 +119,23 @@ auto ask(const Instrument& instrument, const Question& question, Request request
         auto outcome = request(*control);
         if (outcome)
             return std::move(outcome).value();
+        if (watch.answers().isTimedOut())
+            throw notAnswered(question.what);
         if (!watch.isLost())
-            throw question.failed;
+            throw watch.answers().isGivenUp() ? givenUp(question.failed) : question.failed;
         if (attempt == attempts)
             throw lostEachTime(question.what);
     }
+}
+
+/// The same with a `request` that takes no longer than it may.
+template <class Control, class Request>
+auto ask(const Instrument& instrument, const Question& question, Request request)
+{
+    return askInTime<Control>(instrument, question, [&](Control& control) {
+        const DeviceCall call;
+        return request(control);
+    });
 }
 
 } // namespace tarn::console

@@ -1,5 +1,6 @@
 #include <console/session.h>
 
+#include <console/devicecall.h>
 #include <console/text.h>
 
 #include <QDir>
@@ -53,6 +54,7 @@ Session::Session(GlobalOptions options, const Output& output)
     : m_options{std::move(options)}
     , m_output{output}
 {
+    limitDeviceCalls(m_options.timeout, [output = m_output] { output.endUnanswered(); });
 }
 
 const ProviderCatalogue& Session::providers()
@@ -96,7 +98,9 @@ std::unique_ptr<Instrument> Session::open()
 {
     const provider::OpenRequest request{QString::fromStdString(m_options.address.value_or(std::string{})),
                                         stateFolder(m_options.state)};
-    auto device = provider().open(request);
+    auto& source = provider();
+    const DeviceCall call;
+    auto device = source.open(request);
     if (!device)
         throw Error{errorCode(device.error().code), device.error().message.toStdString(),
                     device.error().hint.toStdString()};
@@ -107,7 +111,14 @@ std::unique_ptr<Instrument> Session::open()
                                                  : fmt::format("'{}'", request.address);
     m_output.detail(
         fmt::format("opened {} (model {}), state in {}", which, (*device)->model().name(), request.stateFolder));
-    return std::make_unique<Instrument>(*std::move(device));
+    return std::make_unique<Instrument>(*std::move(device), m_output, m_options.timeout);
+}
+
+void Session::close(int code)
+{
+    limitDeviceCalls(m_options.timeout, [output = m_output, code] { output.endUnclosed(code); });
+    const DeviceCall call;
+    m_instrument.reset();
 }
 
 } // namespace tarn::console

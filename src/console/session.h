@@ -4,6 +4,7 @@
 #include <console/output.h>
 #include <console/providercatalogue.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,12 +17,15 @@ struct GlobalOptions {
     std::string provider = "simulator";
     std::optional<std::string> address; ///< nothing: the provider's default instrument
     std::optional<std::string> state; ///< nothing: the environment or the user's state folder
+    std::chrono::milliseconds timeout = std::chrono::seconds{30}; ///< how long the instrument may take without progress
     OutputOptions output;
 };
 
-/// One run of the program: what the global options select, obtained when a command first needs it.
+/// One run of the program: what the global options select, obtained when a command first needs it. An instrument that
+/// keeps the program waiting for longer than it may ends it.
 class Session {
 public:
+    /// `output` must outlive it.
     Session(GlobalOptions options, const Output& output);
 
     [[nodiscard]] const GlobalOptions& options() const { return m_options; }
@@ -35,6 +39,9 @@ public:
 
     /// The selected instrument; throws `Error` when it cannot be opened.
     [[nodiscard]] Instrument& instrument();
+
+    /// Closes the instrument, once the command has ended with the exit code `code`.
+    void close(int code);
 
     /// Selects another instrument than the command line does. Before the first use.
     void setAddress(std::string address) { m_options.address = std::move(address); }

@@ -24,27 +24,44 @@ QJsonObject json(const Control& control)
     return {{QStringLiteral("temperature"), control.temperature()}, {QStringLiteral("modules"), modules}};
 }
 
+std::string lines(const Control& control)
+{
+    auto text = fmt::format("{} {:7.2f} °C\n", padded("instrument", 20), control.temperature());
+    for (const auto& module : control.modulesTemperature())
+        text += fmt::format("  {} {:7.2f} °C\n", padded(escaped(module.name), 18), module.temperature);
+    return text;
+}
+
+std::string line(const Control& control)
+{
+    auto text = fmt::format("{:.2f} °C", control.temperature());
+    for (const auto& module : control.modulesTemperature())
+        text += fmt::format("  {} {:.2f}", escaped(module.name), module.temperature);
+    return text;
+}
+
+/// What the control shows, as an object and as `text` has it.
+std::pair<QJsonObject, std::string> read(const Control& control, std::string (*text)(const Control&))
+{
+    const DeviceCall call;
+    return {json(control), text(control)};
+}
+
 void show(Session& session)
 {
     const auto& instrument = session.instrument();
     const auto control = instrument.control<Control>();
     instrument.awaitControl(Control::registryKey); // a snapshot outlives its control
-    auto text = fmt::format("{} {:7.2f} °C\n", padded("instrument", 20), control->temperature());
-    for (const auto& module : control->modulesTemperature())
-        text += fmt::format("  {} {:7.2f} °C\n", padded(escaped(module.name), 18), module.temperature);
-    session.output().result(json(*control), text);
+    const auto [object, text] = read(*control, &lines);
+    session.output().result(object, text);
 }
 
 void showReading(const Output& output, const Control& control)
 {
     const auto now = QDateTime::currentDateTimeUtc();
-    auto object = json(control);
+    auto [object, text] = read(control, &line);
     object.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
-    auto text = fmt::format("{}  {:.2f} °C", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")),
-                            control.temperature());
-    for (const auto& module : control.modulesTemperature())
-        text += fmt::format("  {} {:.2f}", escaped(module.name), module.temperature);
-    output.part(object, text);
+    output.part(object, fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text));
 }
 
 struct WatchOptions {
@@ -87,8 +104,12 @@ void TemperatureCommand::addTo(CommandLine& line)
 void TemperatureCommand::tour(Tour& tour)
 {
     const auto control = tour.instrument().control<Control>();
-    tour.show("instrument", fmt::format("{:.2f} °C", control->temperature()), control->temperature());
-    for (const auto& module : control->modulesTemperature())
+    const auto [temperature, modules] = [&] {
+        const DeviceCall call;
+        return std::pair{control->temperature(), control->modulesTemperature()};
+    }();
+    tour.show("instrument", fmt::format("{:.2f} °C", temperature), temperature);
+    for (const auto& module : modules)
         tour.show(module.name.toStdString(), fmt::format("{:.2f} °C", module.temperature), module.temperature);
 }
 

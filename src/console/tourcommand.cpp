@@ -80,7 +80,7 @@ Tour::Tour(Session& session)
     m_output.setFirstWords(m_interrupt,
                            "interrupted; the instrument is being put back as it was, then the tour ends; Ctrl-C once "
                            "more ends it at once");
-    m_output.setLastWords(m_interrupt, Error{ErrorCode::Interrupted, "interrupted", "the instrument is as it was"});
+    m_output.setLastWords(m_interrupt, {}, "the instrument is as it was");
 }
 
 void Tour::run()
@@ -143,11 +143,9 @@ bool Tour::mayChange(std::string_view what)
 void Tour::restoring(const std::function<void()>& steps, const std::function<void()>& restore, const Leftover& leftover)
 {
     platform::InterruptGuard whileItIsChanged;
-    m_output.setLastWords(
-        whileItIsChanged,
-        Error{ErrorCode::Interrupted,
-              fmt::format("interrupted before the instrument was put back as it was: {}", leftover.what),
-              leftover.remedy});
+    m_output.setLastWords(whileItIsChanged,
+                          fmt::format(" before the instrument was put back as it was: {}", leftover.what),
+                          leftover.remedy);
     m_output.detail("a change of the tour is open");
     std::exception_ptr failure;
     try {

@@ -60,6 +60,7 @@ std::vector<Reading> Tuning::read(const std::any& there) const
 {
     std::vector<Reading> readings;
     const auto add = [&](const Setting& setting) {
+        const DeviceCall call;
         readings.push_back({setting, setting.read(there), setting.limits ? setting.limits(there) : Limits{}});
     };
     std::ranges::for_each(settings, add);

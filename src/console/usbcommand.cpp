@@ -32,7 +32,10 @@ auto query(const Instrument& instrument, Query query)
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
         const LossWatch watch{instrument, Control::registryKey};
-        auto answer = query(*control);
+        auto answer = [&] {
+            const DeviceCall call;
+            return query(*control);
+        }();
         if (answer != decltype(answer){} || !watch.isLost())
             return answer;
         if (attempt == attempts)

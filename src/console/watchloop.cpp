@@ -5,6 +5,7 @@
 #include <console/text.h>
 #include <utils/duration.h>
 
+#include <QAbstractEventDispatcher>
 #include <QDateTime>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -42,8 +43,13 @@ void WatchLoop::run()
         });
     });
     reader.start(readerInterval);
+    // An instrument may be called by anything that has its turn in the loop, and by what ends after it.
+    const auto* const dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { m_call.emplace(); });
+    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] { m_call.reset(); });
     if (m_shown != m_count && !m_failure)
         m_loop.exec();
+    m_call.emplace();
     if (m_failure)
         std::rethrow_exception(m_failure);
     if (m_shown != m_count)
@@ -53,9 +59,16 @@ void WatchLoop::run()
 void WatchLoop::show(const std::function<void()>& step)
 {
     attempt([&] {
-        step();
+        write(step);
         ++m_shown;
     });
+}
+
+void WatchLoop::write(const std::function<void()>& step)
+{
+    m_call.reset();
+    step();
+    m_call.emplace();
 }
 
 void WatchLoop::attempt(const std::function<void()>& step)
@@ -102,8 +115,10 @@ void WatchLoop::onLifecycleChanged()
     if (m_lifecycle.isAway() == m_saidAway)
         return;
     m_saidAway = !m_saidAway;
-    m_output.message(m_saidAway ? "the instrument has dropped its controls; waiting for them (Ctrl-C ends)"
-                                : "the controls are back");
+    write([this] {
+        m_output.message(m_saidAway ? "the instrument has dropped its controls; waiting for them (Ctrl-C ends)"
+                                    : "the controls are back");
+    });
 }
 
 void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <console/devicecall.h>
 #include <console/interruptguard.h>
 #include <console/lifecyclewatch.h>
 #include <console/output.h>
@@ -46,6 +47,9 @@ public:
 private:
     void onLifecycleChanged();
     void putQuestions();
+
+    /// Runs `step`, which may wait for whoever reads what it writes.
+    void write(const std::function<void()>& step);
     void attempt(const std::function<void()>& step);
 
     const LifecycleWatch& m_lifecycle;
@@ -55,6 +59,7 @@ private:
     bool m_saidAway = false;
     std::vector<std::function<void()>> m_questions;
     platform::InterruptGuard m_interrupt;
+    std::optional<DeviceCall> m_call; ///< once the loop runs: whenever its thread neither writes nor waits
     QEventLoop m_loop;
     std::exception_ptr m_failure; ///< no exception may pass through Qt's event loop
     Postbox m_postbox; ///< last: what it calls uses the others

@@ -31,7 +31,7 @@ struct BreachReport {
     unsigned completions; ///< of this request so far, this one included
 };
 
-/// Learns of breaches.
+/// Learns of breaches, and of what keeps a request from being one.
 class TARN_GUARD_EXPORT IBreachObserver {
 public:
     IBreachObserver() = default;
@@ -44,6 +44,11 @@ public:
     /// Threads: called on the thread that noticed, one of the device, the caller's or the guard's own, by several at a
     /// time, with no lock held.
     virtual void onBreach(const BreachReport& report) noexcept = 0;
+
+    /// An operation of the device has come further.
+    ///
+    /// Threads: called on the thread that tells of it, with no lock held.
+    virtual void onProgress() noexcept { }
 };
 
 struct Options {

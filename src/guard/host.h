@@ -24,7 +24,12 @@ public:
     ~Host() { Watchdog::instance().release(m_options.limit); }
 
     /// The device has come further with some operation.
-    void onProgress() { m_progress.store(Watchdog::now(), std::memory_order_relaxed); }
+    void onProgress() noexcept
+    {
+        m_progress.store(Watchdog::now(), std::memory_order_relaxed);
+        if (m_options.observer)
+            m_options.observer->onProgress();
+    }
 
     /// Whether a request that was made at `start` has taken longer than it may. Never too early: `start` and the last
     /// progress lie up to one look before what they stand for.

@@ -81,7 +81,8 @@ void Watchdog::run()
             m_mutex.lock();
         }
         const auto interval = m_limits.empty() ? longest : lookInterval(*m_limits.begin());
-        m_changed.wait_for(m_mutex, interval);
+        if (!m_stop) // may have been set, and told, while a call was looked at
+            m_changed.wait_for(m_mutex, interval);
     }
     m_mutex.unlock();
 }

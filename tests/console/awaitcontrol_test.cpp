@@ -24,7 +24,7 @@ protected:
     }
 
     const std::shared_ptr<tests::FakeVna> device = std::make_shared<tests::FakeVna>();
-    const Instrument instrument{device};
+    const Instrument instrument{device, Output{{}, {}}, std::chrono::seconds{30}};
 };
 
 } // namespace

@@ -31,7 +31,7 @@ private:
 class CalibrationWriteTest : public testing::Test {
 protected:
     const std::shared_ptr<EmptyVna> device = std::make_shared<EmptyVna>();
-    const Instrument instrument{device};
+    const Instrument instrument{device, Output{{}, {}}, std::chrono::seconds{30}};
     std::vector<std::uint32_t> shown;
     CalibrationWrite write{instrument, 0x1234,
                            [this](LongRequest::Progress progress) { shown.push_back(progress.done); }};

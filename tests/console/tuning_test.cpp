@@ -87,7 +87,7 @@ TEST(Tuning, HearsEachChangeSignalOnTheThreadOfTheContext)
     const auto device = std::make_shared<tests::FakeVna>();
     device->offer<sdk::service::IQuillPowerControl>(sdk::service::IQuillPowerControl::key,
                                                     std::make_shared<tests::RecordedQuillPowerControl>());
-    const Instrument instrument{device};
+    const Instrument instrument{device, Output{{}, {}}, std::chrono::seconds{30}};
     const auto control = quillPowerTuning().control(instrument);
     const QObject context;
     int heard = 0;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "awkwardobserved.h"
+#include "awkwardstuck.h"
 
 #include <sdk/ifactorycorrectioncontrol.h>
 #include <sdk/service/calibrations/icalibrationcontroller.h>
@@ -22,10 +23,25 @@ public:
         observer->onError(Error::NoData);
     }
 
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
+    void removeObserver(Observer* observer) override
+    {
+        enter("ifsw-end");
+        Observed::removeObserver(observer);
+    }
+
+    sdk::FrequencyPlan frequencyPlan() override
+    {
+        enter("ifsw-plan");
+        return {};
+    }
 
     void saveCalibrationData(IfswCalibrationData /*data*/) override
     {
+        enter("ifsw-save");
+        if (stuckIn == "ifsw-write") {
+            notify(&Observer::onWriteStarted);
+            return notify(&Observer::onWriteProgressChanged, 40U);
+        }
         notify(&Observer::onWriteProgressChanged, 90U);
         notify(&Observer::onError, Error::WriteFailed);
         notify(&Observer::onWriteStarted);
@@ -37,7 +53,20 @@ public:
 /// Has a unit that is being saved again and again, in four steps.
 class Calibrations final : public Observed<sdk::service::calibrations::ICalibrationController> {
 public:
-    std::vector<sdk::service::calibrations::ICalibrationUnit*> units() override { return {&m_unit}; }
+    void addObserver(Observer* observer) override
+    {
+        Observed::addObserver(observer);
+        if (m_isObserved.exchange(true))
+            enter("calibrations-again");
+    }
+
+    std::vector<sdk::service::calibrations::ICalibrationUnit*> units() override
+    {
+        enter("calibrations");
+        return {&m_unit};
+    }
+
+    [[nodiscard]] bool isObserved() const { return m_isObserved; }
 
     void live()
     {
@@ -55,6 +84,7 @@ private:
     };
 
     Unit m_unit;
+    std::atomic<bool> m_isObserved{false};
     unsigned int m_done = 0;
 };
 
@@ -62,10 +92,18 @@ private:
 class Corrections final : public Observed<sdk::IFactoryCorrectionControl> {
 public:
     sdk::CorrectionFlag supportedCorrections() override { return correction; }
-    sdk::CorrectionFlag validCorrections() override { return correction; }
+    sdk::CorrectionFlag validCorrections() override
+    {
+        enter("corrections");
+        return correction;
+    }
     sdk::CorrectionFlag modifiableCorrections() override { return correction; }
     sdk::CorrectionFlag enabledCorrections() override { return m_enabled ? correction : sdk::CorrectionFlag::None; }
-    void setEnabled(sdk::CorrectionFlag /*correction*/, bool enabled) override { m_enabled = enabled; }
+    void setEnabled(sdk::CorrectionFlag /*correction*/, bool enabled) override
+    {
+        enter("corrections-set");
+        m_enabled = enabled;
+    }
 
     void live()
     {

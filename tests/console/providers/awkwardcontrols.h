@@ -1,6 +1,7 @@
 #pragma once
 
 #include "awkwardobserved.h"
+#include "awkwardstuck.h"
 
 #include <sdk/itemperaturecontrol.h>
 #include <sdk/service/ifilememorycontrol.h>
@@ -92,6 +93,7 @@ public:
 
     void fileList(sdk::Completion<std::vector<FileInfo>> completion) override
     {
+        enter("files");
         std::vector<FileInfo> list;
         for (const auto& [name, contents] : m_files)
             list.push_back({name, contents.size()});
@@ -143,6 +145,7 @@ public:
 
     bool isEnabled() override
     {
+        enter("lo-leakage");
         if (m_behaviour == "throwing")
             throw std::runtime_error{"the synthesizer \x1b[31mcaught fire"};
         if (m_behaviour == "exhausted")
@@ -152,6 +155,7 @@ public:
 
     void setEnabled(bool enabled) override
     {
+        enter("lo-leakage-set");
         if (m_behaviour != "forgetful")
             m_enabled = enabled;
     }
@@ -163,7 +167,11 @@ private:
 
 class Temperatures final : public Observed<sdk::ITemperatureControl> {
 public:
-    float temperature() override { return 30.5F; }
+    float temperature() override
+    {
+        enter("temperature");
+        return 30.5F;
+    }
     const ModuleTemperatures& moduleTemperatures() override { return m_modules; }
 
     void live() { notify(&Observer::onTemperatureChanged); }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "awkwardstuck.h"
+
 #include <sdk/models.h>
 #include <sdk/service/imemoryoperationscontrol.h>
 #include <sdk/service/imemoryserialnumbercontrol.h>
@@ -28,6 +30,7 @@ public:
 
     void write(std::vector<std::byte> image, sdk::Completion<> completion) override
     {
+        enter("memory-write");
         if (!m_forgetful)
             m_image = std::move(image);
         completion({});
@@ -86,6 +89,7 @@ public:
 
     std::vector<Potentiometer> potentiometers() override
     {
+        enter("potentiometers");
         return {{"twin", 0, 9}, {"twin", 0, 9}, {"0", -9, 9}, {"\x1b[2Jclear", 0, 9}};
     }
 
@@ -118,7 +122,11 @@ public:
     }
 
     bool isAvailable() override { return true; }
-    DeviceRecord currentDevice() override { return supportedDevices().at(m_current); }
+    DeviceRecord currentDevice() override
+    {
+        enter("usb");
+        return supportedDevices().at(m_current);
+    }
 
     std::vector<DeviceRecord> supportedDevices() override
     {

@@ -1,6 +1,7 @@
 #include "awkwardcalibrations.h"
 #include "awkwardcontrols.h"
 #include "awkwardmemory.h"
+#include "awkwardstuck.h"
 #include "awkwardtuning.h"
 
 #include <provider/ideviceprovider.h>
@@ -37,6 +38,7 @@ namespace {
 ///   vanishing    drops its controls for good, without a word, once they were handed out
 ///   flickering   has no LO leakage control at every second question once it was handed out
 ///   restless     has dropped its controls while there is a file "away" in the current folder
+///   stuck=CALL   never comes back from that call; is otherwise like a shared one
 ///   interrupting presses Ctrl-C while it takes a file, and says on standard error when it deletes one
 class Instrument final : public sdk::IVna {
 public:
@@ -51,7 +53,7 @@ public:
         offer<sdk::service::ILoLeakageControl, awkward::LoLeakage>(behaviour);
         offer<sdk::service::IQuillPowerControl, awkward::QuillPower>(behaviour);
         offer<sdk::ITemperatureControl, awkward::Temperatures>();
-        if (behaviour == "shared") {
+        if (behaviour == "shared" || behaviour.starts_with("stuck=")) {
             offer<sdk::service::IVellIfswCalibrationControl, awkward::IfswCalibration>();
             offer<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
             offer<sdk::IFactoryCorrectionControl, awkward::Corrections>();
@@ -59,10 +61,16 @@ public:
         m_thread = std::jthread{[this](const std::stop_token& stop) { live(stop); }};
     }
 
+    Instrument(const Instrument&) = delete;
+    Instrument& operator=(const Instrument&) = delete;
+    ~Instrument() override { awkward::enter("closing"); }
+
     /// A control is handed out with the second answer; a vanishing instrument gives its own
     /// reference away with it.
     std::shared_ptr<void> control(sdk::Key key) override
     {
+        if (key == awkward::LoLeakage::key && ++m_askedForLeakage > 1)
+            awkward::enter("control");
         std::unique_lock lock{m_mutex};
         const int asked = ++m_asked[key];
         if (m_behaviour == "vanishing" && asked == 2)
@@ -123,6 +131,7 @@ private:
             letLive<sdk::service::IQuillPowerControl, awkward::QuillPower>();
             if (isToBeAway())
                 beAway(stop);
+            beAwayForAMoment();
             if (m_isLate.exchange(false))
                 beLate(stop);
         }
@@ -133,6 +142,22 @@ private:
         for (int i = 0; i < 25; ++i)
             pause(stop);
         offer<ICalibrationController, awkward::Calibrations, ICalibrationController::firstKey>();
+        notify(&Observer::onControlsAvailable);
+    }
+
+    /// Once the calibrations are watched, so that the watch has to begin again.
+    void beAwayForAMoment()
+    {
+        if (awkward::stuckIn != "calibrations-again" || m_wasAway)
+            return;
+        std::unique_lock lock{m_mutex};
+        const auto control
+            = std::static_pointer_cast<ICalibrationController>(m_controls[ICalibrationController::firstKey]);
+        lock.unlock();
+        m_wasAway = static_cast<awkward::Calibrations&>(*control).isObserved();
+        if (!m_wasAway)
+            return;
+        notify(&Observer::onControlsAboutToBeReleased);
         notify(&Observer::onControlsAvailable);
     }
 
@@ -174,7 +199,9 @@ private:
     std::mutex m_mutex;
     std::map<sdk::Key, int> m_asked;
     std::map<sdk::Key, std::shared_ptr<void>> m_controls;
+    std::atomic<int> m_askedForLeakage{0};
     std::atomic<bool> m_isLate{false};
+    bool m_wasAway = false; ///< of its own thread
     std::recursive_mutex m_observersMutex;
     std::vector<Observer*> m_observers;
     std::jthread m_thread;
@@ -201,7 +228,13 @@ public:
         return {{QStringLiteral("drop-every"), QStringLiteral("N"), {}, QStringLiteral("is not understood")}};
     }
 
-    QList<tarn::provider::Address> addresses() const override { return {{QStringLiteral("hostile"), {}}}; }
+    QList<tarn::provider::Address> addresses() const override
+    {
+        if (qEnvironmentVariableIsSet("AWKWARD_ADDRESSES_STUCK"))
+            awkward::stuckIn = "addresses";
+        awkward::enter("addresses");
+        return {{QStringLiteral("hostile"), {}}};
+    }
 
     std::expected<std::shared_ptr<sdk::IVna>, OpenError> open(const tarn::provider::OpenRequest& request) override
     {
@@ -216,6 +249,9 @@ public:
                 OpenError{failure->second, QStringLiteral("it is ") + request.address, QStringLiteral("mend it")}};
         if (request.address == QStringLiteral("nothing"))
             return nullptr;
+        if (request.address.startsWith(QStringLiteral("stuck=")))
+            awkward::stuckIn = request.address.mid(6).toStdString();
+        awkward::enter("opening");
         return std::make_shared<Instrument>(request.address.toStdString());
     }
 };

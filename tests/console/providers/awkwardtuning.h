@@ -1,5 +1,7 @@
 #pragma once
 
+#include "awkwardstuck.h"
+
 #include <sdk/service/iquillpowercontrol.h>
 
 #include <array>
@@ -23,10 +25,15 @@ public:
     {
     }
 
-    std::uint8_t loPower() override { return m_loPower; }
+    std::uint8_t loPower() override
+    {
+        enter("quill");
+        return m_loPower;
+    }
     std::uint8_t rfPower() override { return get<std::uint8_t>(0); }
     void setLoPower(std::uint8_t code) override
     {
+        enter("quill-set");
         if (m_behaviour == "throwing")
             throw std::runtime_error{"the amplifier \x1b[31mcaught fire"};
         if (m_behaviour != "forgetful")
@@ -60,12 +67,14 @@ public:
     AmpGain ampTPort1() override { return get<AmpGain>(11); }
     void setRfPowerCodes(const std::vector<std::uint8_t>& /*codes*/) override
     {
+        enter("quill-load");
         if (m_behaviour == "throwing")
             throw std::runtime_error{"the table \x1b[31mburns"};
     }
     void setLoPowerCodes(const std::vector<std::uint8_t>& /*codes*/) override { }
     void reset() override
     {
+        enter("quill-reset");
         for (auto& value : m_values)
             value = 0;
     }

@@ -1,0 +1,106 @@
+#include <console/devicecall.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <optional>
+#include <thread>
+
+namespace tarn::console {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Calls that may take 100 ms, and about 400 ms more until that is noticed.
+class DeviceCallTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        limitDeviceCalls(100ms, [this] { ++overdue; });
+    }
+
+    void TearDown() override
+    {
+        limitDeviceCalls(24h, [] { });
+    }
+
+    [[nodiscard]] bool isOverdueWithin(std::chrono::milliseconds time) const
+    {
+        for (auto left = time; left > 0ms && overdue == 0; left -= 10ms)
+            std::this_thread::sleep_for(10ms);
+        return overdue > 0;
+    }
+
+    std::atomic<int> overdue{0};
+};
+
+} // namespace
+
+TEST_F(DeviceCallTest, IsOverdueWhenItDoesNotEnd)
+{
+    const DeviceCall call;
+    EXPECT_FALSE(isOverdueWithin(300ms));
+    EXPECT_TRUE(isOverdueWithin(10s));
+}
+
+TEST_F(DeviceCallTest, IsOverdueOnAnyThread)
+{
+    std::atomic<bool> isOver{false};
+    const std::jthread other{[&isOver] {
+        const DeviceCall call;
+        isOver.wait(false);
+    }};
+    {
+        const DeviceCall shortOne;
+    }
+    EXPECT_TRUE(isOverdueWithin(10s));
+    isOver = true;
+    isOver.notify_all();
+}
+
+TEST_F(DeviceCallTest, IsNotOverdueOnceItHasEnded)
+{
+    std::optional<DeviceCall> call{std::in_place};
+    {
+        const DeviceCall inner;
+    }
+    call.reset();
+    EXPECT_FALSE(isOverdueWithin(1s));
+}
+
+TEST_F(DeviceCallTest, GetsOnWithEachInnerOne)
+{
+    const DeviceCall call;
+    for (int i = 0; i < 20; ++i) {
+        std::this_thread::sleep_for(50ms);
+        const DeviceCall inner;
+    }
+    EXPECT_EQ(overdue, 0);
+    EXPECT_TRUE(isOverdueWithin(10s));
+}
+
+TEST_F(DeviceCallTest, DoesNotGetOnWithThoseOfAnotherThread)
+{
+    const DeviceCall call;
+    const std::jthread other{[](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            const DeviceCall inner;
+            std::this_thread::sleep_for(5ms);
+        }
+    }};
+    EXPECT_TRUE(isOverdueWithin(10s));
+}
+
+TEST_F(DeviceCallTest, GetsOnWithTheProgressOfTheInstrument)
+{
+    const DeviceCall call;
+    for (int i = 0; i < 20; ++i) {
+        std::this_thread::sleep_for(50ms);
+        DeviceCall::onProgress();
+    }
+    EXPECT_EQ(overdue, 0);
+    EXPECT_TRUE(isOverdueWithin(10s));
+}
+
+} // namespace tarn::console
