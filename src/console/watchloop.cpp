@@ -6,6 +6,7 @@
 #include <utils/duration.h>
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -18,6 +19,25 @@ namespace tarn::console {
 namespace {
 
 constexpr std::chrono::milliseconds readerInterval{250};
+
+/// Takes whatever has its turn in the event loop for a call into the device.
+class Turns final : public QObject {
+public:
+    explicit Turns(std::optional<DeviceCall>& call)
+        : m_call{call}
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject* /*receiver*/, QEvent* /*event*/) override
+    {
+        m_call.emplace();
+        return false;
+    }
+
+private:
+    std::optional<DeviceCall>& m_call;
+};
 
 } // namespace
 
@@ -44,9 +64,9 @@ void WatchLoop::run()
     });
     reader.start(readerInterval);
     // An instrument may be called by anything that has its turn in the loop, and by what ends after it.
-    const auto* const dispatcher = QAbstractEventDispatcher::instance();
-    connect(dispatcher, &QAbstractEventDispatcher::awake, this, [this] { m_call.emplace(); });
-    connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, [this] { m_call.reset(); });
+    const Turns turns{m_call};
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            [this] { m_call.reset(); });
     if (m_shown != m_count && !m_failure)
         m_loop.exec();
     m_call.emplace();
