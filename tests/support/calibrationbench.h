@@ -22,11 +22,13 @@ namespace tarn::tests {
 /// The two calibration controls, whose observers are kept in the same way.
 struct Ifsw {
     using Sdk = sdk::service::IVellIfswCalibrationControl;
+    using SdkObserver = Sdk::Observer;
     using Adapter = devices::service::SdkVellIfswCalibrationControl;
     using Mock = MockVellIfswCalibrationControl;
 };
 struct Power {
     using Sdk = sdk::service::IVellFactoryPowerCalibrationControl;
+    using SdkObserver = Sdk::Observer;
     using Adapter = devices::service::SdkVellFactoryPowerCalibrationControl;
     using Mock = MockVellFactoryPowerCalibrationControl;
 };
@@ -83,13 +85,13 @@ private:
     bool m_isDropped = false;
 };
 
-/// A calibration control before a device that offers the SDK's controls and takes them back.
+/// A control with observers before a device that offers the SDK's controls and takes them back.
 template <class Calibration>
 class CalibrationBench : public testing::Test {
 protected:
     using Sdk = typename Calibration::Sdk;
     using Adapter = typename Calibration::Adapter;
-    using SdkObserver = typename Sdk::Observer;
+    using SdkObserver = typename Calibration::SdkObserver;
     using Registered = RegisteredObservers<SdkObserver>;
 
     /// Offers a new control in place of the one before, which is dropped.
