@@ -103,6 +103,8 @@ protected:
             if (whenAdded)
                 whenAdded(observer);
             registry->add(observer);
+            if (onceAdded)
+                onceAdded();
         });
         ON_CALL(*mock, removeObserver).WillByDefault([this, registry = registered()](SdkObserver* observer) {
             registry->remove(observer);
@@ -136,6 +138,7 @@ protected:
 
     FakeVna device;
     std::function<void(SdkObserver*)> whenAdded; ///< runs in every registration, before it is made
+    std::function<void()> onceAdded; ///< runs in every registration, after it was made
     std::function<void(SdkObserver*)> whenRemoved; ///< runs in every removal, after it was made
 
 private:

@@ -1,15 +1,9 @@
 // The observers of the adapters in any order of what several threads and the device do: see support/schedule.h.
 
-#include <devices/service/sdkfactorycorrectioncontrol.h>
-#include <devices/service/sdkmemoryoperationscontrol.h>
-#include <devices/service/sdkserialnumbercontrol.h>
-#include <devices/service/sdksystemtermscontrol.h>
+#include "observerrows.h"
 
 #include <support/calibrationbench.h>
-#include <support/mockfactorycorrectioncontrol.h>
-#include <support/mockmemoryoperationscontrol.h>
-#include <support/mockmemoryserialnumbercontrol.h>
-#include <support/mocksystemtermscontrol.h>
+#include <support/mutexprobe.h>
 #include <support/schedule.h>
 
 #include <gmock/gmock.h>
@@ -19,92 +13,8 @@
 #include <mutex>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::observers {
 namespace {
-
-using devices::service::IMemoryOperationsControl;
-using devices::service::ISerialNumberControl;
-using devices::service::ISystemTermsControl;
-using devices::service::Progress;
-
-/// A list, which is attached to the SDK as a whole.
-struct Terms {
-    using Sdk = sdk::service::ISystemTermsControl;
-    using SdkObserver = Sdk::Observer;
-    using Adapter = devices::service::SdkSystemTermsControl;
-    using Mock = MockSystemTermsControl;
-    static constexpr bool isList = true;
-
-    struct Listener final : ISystemTermsControl::Observer {
-        void onWriteStarted() override { ADD_FAILURE(); }
-        void onWriteProgressChanged(std::uint32_t /*progress*/) override { heard(); }
-        void onWriteFinished() override { ADD_FAILURE(); }
-        void onErrorOccurred(ISystemTermsControl::Error /*error*/) override { ADD_FAILURE(); }
-        std::function<void()> heard;
-    };
-    static void tell(SdkObserver& observer) { observer.onWriteProgressChanged(1); }
-    static void call(Adapter& adapter) { EXPECT_FALSE(adapter.isFrequencyOverrideSupported()); }
-};
-
-struct Serial {
-    using Sdk = sdk::service::IMemorySerialNumberControl;
-    using SdkObserver = Sdk::Observer;
-    using Adapter = devices::service::SdkSerialNumberControl;
-    using Mock = MockMemorySerialNumberControl;
-    static constexpr bool isList = true;
-
-    struct Listener final : ISerialNumberControl::IObserver {
-        void onWriteProgressChanged(const Progress& /*progress*/) override { heard(); }
-        std::function<void()> heard;
-    };
-    static void tell(SdkObserver& observer) { observer.onWriteProgressChanged(1, 2); }
-    static void call(Adapter& /*adapter*/) { }
-};
-
-struct Memory {
-    using Sdk = sdk::service::IMemoryOperationsControl;
-    using SdkObserver = Sdk::IObserver;
-    using Adapter = devices::service::SdkMemoryOperationsControl;
-    using Mock = MockMemoryOperationsControl;
-    static constexpr bool isList = true;
-
-    struct Listener final : IMemoryOperationsControl::IObserver {
-        void onWriteProgressChanged(const Progress& /*progress*/) override { ADD_FAILURE(); }
-        void onReadProgressChanged(const Progress& /*progress*/) override { ADD_FAILURE(); }
-        void onEraseProgressChanged(const Progress& /*progress*/) override { heard(); }
-        void onIntegrityCheckProgressChanged(const Progress& /*progress*/) override { ADD_FAILURE(); }
-        std::function<void()> heard;
-    };
-    static void tell(SdkObserver& observer) { observer.onEraseProgressChanged(1, 2); }
-    static void call(Adapter& /*adapter*/) { }
-};
-
-/// A map, with an SDK observer for each of the application's.
-template <class Calibration>
-struct Flagged : Calibration {
-    using Listener = ProgressListener<typename Calibration::Adapter>;
-    static constexpr bool isList = false;
-    static void tell(typename Calibration::SdkObserver& observer) { observer.onWriteProgressChanged(1); }
-    static void call(typename Calibration::Adapter& adapter) { EXPECT_TRUE(adapter.frequencyPlan().empty()); }
-};
-
-/// A map without a lock of its own.
-struct Corrections {
-    using Sdk = sdk::IFactoryCorrectionControl;
-    using SdkObserver = Sdk::Observer;
-    using Adapter = devices::service::SdkFactoryCorrectionControl;
-    using Mock = MockFactoryCorrectionControl;
-    static constexpr bool isList = false;
-
-    struct Listener final : Adapter::Observer {
-        void onSupportedChanged() override { }
-        void onValidChanged() override { }
-        void onEnabledChanged(devices::FactoryCorrection /*correction*/, bool /*enabled*/) override { heard(); }
-        std::function<void()> heard;
-    };
-    static void tell(SdkObserver& observer) { observer.onEnabledChanged(sdk::CorrectionFlag::System, true); }
-    static void call(Adapter& adapter) { EXPECT_TRUE(adapter.supported().empty()); }
-};
 
 /// The notifications, which are numbered from 1 on.
 struct Notifications {
@@ -130,20 +40,14 @@ public:
 
     void addTo(typename Row::Adapter& adapter)
     {
-        if constexpr (Row::isList)
-            adapter.addObserver(m_listener);
-        else
-            adapter.addObserver(&m_listener);
+        add<Row>(adapter, m_listener);
         m_from = m_notifications.last;
     }
 
     void removeFrom(typename Row::Adapter& adapter)
     {
         m_until = m_notifications.lastEnded;
-        if constexpr (Row::isList)
-            adapter.removeObserver(m_listener);
-        else
-            adapter.removeObserver(&m_listener);
+        remove<Row>(adapter, m_listener);
         m_isGone = true;
     }
 
@@ -172,8 +76,15 @@ protected:
 
     ObserverSchedules()
     {
-        this->whenAdded = [](auto* /*observer*/) { Schedule::point("being added"); };
-        this->whenRemoved = [](auto* /*observer*/) { Schedule::point("removed"); };
+        const auto inTheSdk = [this](const char* point) {
+            return [this, point](auto...) {
+                EXPECT_EQ(MutexProbe::held(), Schedule::isRunning() && m_isUndisturbed ? 1 : 0);
+                Schedule::point(point);
+            };
+        };
+        this->whenAdded = inTheSdk("being added");
+        this->onceAdded = inTheSdk("added");
+        this->whenRemoved = inTheSdk("removed");
         this->device.whenAsked([](sdk::Key /*key*/) { Schedule::point("asked"); });
     }
 
@@ -181,6 +92,8 @@ protected:
     /// notification of the lifecycle come between.
     void run(std::uint32_t seed, bool isUndisturbed)
     {
+        m_isUndisturbed = isUndisturbed;
+        m_isComplete = Row::isList || isUndisturbed;
         this->offer();
         Adapter adapter{this->handle()};
         Notifications notifications;
@@ -189,33 +102,38 @@ protected:
         Schedule schedule{seed};
         for (int i = 0; i != 2; ++i)
             schedule.thread([&] {
-                for (int round = 0; round != 2; ++round)
-                    addAndRemove(adapter, notifications, isUndisturbed);
+                addAndRemove(adapter, notifications);
+                addAndRemove(adapter, notifications);
             });
         schedule.thread([&] {
             for (int cycle = 0; cycle != 2; ++cycle) {
-                notify(notifications);
-                dropAndOffer(adapter, isUndisturbed);
+                if (m_isComplete)
+                    notify(notifications);
+                undisturbed([&] { dropAndOffer(adapter); });
             }
-            notify(notifications);
         });
+        if (!m_isComplete)
+            schedule.thread([&] {
+                notify(notifications);
+                notify(notifications);
+            });
         schedule.run();
 
-        dropAndOffer(adapter, false);
-        EXPECT_EQ(this->registered()->count(), 1U) << "whatever happened, the next control has whom it should have";
+        dropAndOffer(adapter);
+        EXPECT_EQ(this->registered()->count(), 1U) << "the next control has others than it should have";
         staying.removeFrom(adapter);
-        staying.check(Row::isList || isUndisturbed);
+        staying.check(m_isComplete);
     }
 
 private:
-    void addAndRemove(Adapter& adapter, const Notifications& notifications, bool isUndisturbed)
+    void addAndRemove(Adapter& adapter, const Notifications& notifications)
     {
         Ear<Row> passing{notifications, adapter};
-        undisturbed(isUndisturbed, [&] { passing.addTo(adapter); });
-        Schedule::point("added");
-        undisturbed(isUndisturbed, [&] { passing.removeFrom(adapter); });
-        passing.check(Row::isList || isUndisturbed);
-        Schedule::point("gone");
+        undisturbed([&] { passing.addTo(adapter); });
+        Schedule::point("is there");
+        undisturbed([&] { passing.removeFrom(adapter); });
+        passing.check(m_isComplete);
+        Schedule::point("is gone");
     }
 
     void notify(Notifications& notifications)
@@ -227,32 +145,31 @@ private:
         Schedule::point("notified");
     }
 
-    void dropAndOffer(Adapter& adapter, bool isUndisturbed)
+    void dropAndOffer(Adapter& adapter)
     {
-        undisturbed(isUndisturbed, [&] {
-            adapter.onControlsAboutToBeReleased();
-            Schedule::point("released");
-            this->drop();
-            Schedule::point("dropped");
-            this->offer();
-            Schedule::point("offered");
-            adapter.onControlsAvailable();
-        });
+        adapter.onControlsAboutToBeReleased();
+        Schedule::point("released");
+        this->drop();
+        Schedule::point("dropped");
+        this->offer();
+        Schedule::point("offered");
+        adapter.onControlsAvailable();
     }
 
-    void undisturbed(bool isUndisturbed, const std::function<void()>& operation)
+    void undisturbed(const std::function<void()>& operation)
     {
         std::unique_lock lock{m_lifecycle, std::defer_lock};
-        if (isUndisturbed)
+        if (m_isUndisturbed)
             lock.lock();
         operation();
     }
 
     std::mutex m_lifecycle;
+    bool m_isUndisturbed = false;
+    bool m_isComplete = false; ///< whoever is there hears every notification
 };
 
-using ObserverRows = testing::Types<Terms, Serial, Memory, Flagged<Ifsw>, Flagged<Power>, Corrections>;
-TYPED_TEST_SUITE(ObserverSchedules, ObserverRows);
+TYPED_TEST_SUITE(ObserverSchedules, All);
 
 TYPED_TEST(ObserverSchedules, LoseNothingAndTellNobodyWhoHasGone)
 {
@@ -271,4 +188,4 @@ TYPED_TEST(DisturbedObserverSchedules, TellNobodyWhoHasGone)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::observers
