@@ -11,7 +11,7 @@ thread_local int locked = 0;
 thread_local std::array<pthread_mutex_t*, 32> heldMutexes{};
 thread_local int held = 0;
 thread_local int successesLeft = -1; // negative: none fails
-thread_local bool (*contended)() = nullptr;
+thread_local tarn::tests::MutexProbe::Hooks hooks{};
 
 auto heldEnd()
 {
@@ -39,11 +39,13 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) // NOLINT
         return EINVAL;
     if (isHeld(mutex))
         return EDEADLK;
-    while (contended && pthread_mutex_trylock(mutex) == EBUSY) {
-        if (!contended())
+    if (hooks.approach)
+        hooks.approach();
+    while (hooks.wait && pthread_mutex_trylock(mutex) == EBUSY) {
+        if (!hooks.wait())
             return EDEADLK;
     }
-    if (const int error = contended ? 0 : __real_pthread_mutex_lock(mutex))
+    if (const int error = hooks.wait ? 0 : __real_pthread_mutex_lock(mutex))
         return error;
     ++locked;
     heldMutexes.at(static_cast<std::size_t>(held++)) = mutex;
@@ -75,9 +77,9 @@ void MutexProbe::failAfter(int successes)
     successesLeft = successes;
 }
 
-void MutexProbe::whenContended(bool (*wait)())
+void MutexProbe::hook(Hooks wanted)
 {
-    contended = wait;
+    hooks = wanted;
 }
 
 } // namespace tarn::tests

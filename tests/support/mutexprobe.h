@@ -16,9 +16,15 @@ struct MutexProbe {
     /// Lets `successes` more locks of the calling thread succeed and the one after them fail.
     static void failAfter(int successes);
 
-    /// Calls `wait`, as often as it takes, instead of waiting for a mutex that another thread holds.
-    /// It answers whether it makes sense to go on; if not, the lock fails with the error of a deadlock.
-    static void whenContended(bool (*wait)());
+    struct Hooks {
+        void (*approach)() = nullptr; ///< called before each lock
+        /// Called, as often as it takes, instead of waiting for a mutex that another thread holds. It answers whether
+        /// it makes sense to go on; if not, the lock fails with the error of a deadlock.
+        bool (*wait)() = nullptr;
+    };
+
+    /// What the calling thread does from now on when it locks.
+    static void hook(Hooks hooks);
 };
 
 /// How many mutexes `operation` locks on the calling thread.

@@ -76,7 +76,7 @@ void Schedule::begin(Thread& thread)
     current = this;
     Thread::self = &thread;
     Thread::self->await();
-    MutexProbe::whenContended(&Schedule::wait);
+    MutexProbe::hook({.approach = [] { Schedule::point("lock"); }, .wait = &Schedule::wait});
     try {
         Thread::self->body();
     } catch (const std::exception& exception) {

@@ -118,6 +118,7 @@ protected:
                 notify(notifications);
             });
         schedule.run();
+        EXPECT_LE(this->registered()->count(), 1U) << "somebody who has gone is still registered";
 
         dropAndOffer(adapter);
         EXPECT_EQ(this->registered()->count(), 1U) << "the next control has others than it should have";

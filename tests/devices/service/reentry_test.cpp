@@ -9,14 +9,17 @@
 #include <support/devicehandle.h>
 #include <support/mockfilememorycontrol.h>
 #include <support/schedule.h>
+#include <support/watchdog.h>
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <any>
+#include <chrono>
 #include <cstdlib>
 #include <deque>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -81,6 +84,7 @@ protected:
     std::vector<int> heard;
 
 private:
+    const Watchdog m_watchdog;
     std::vector<typename Row::SdkObserver*> m_attached;
 };
 
@@ -179,6 +183,7 @@ protected:
         controls = std::make_unique<devices::InstrumentControls>(device, registry, devices::ControlTypes<Reentrant>{});
     }
 
+    const Watchdog watchdog;
     const std::shared_ptr<FakeVna> device = std::make_shared<FakeVna>();
     const std::shared_ptr<Reentrant> control = std::make_shared<Reentrant>();
     devices::ControlRegistry registry;
@@ -285,6 +290,16 @@ TEST(WaitingInsideACompletionDeathTest, WaitsForEver)
 {
     requestTwice(false);
     EXPECT_EXIT(requestTwice(true), testing::ExitedWithCode(EXIT_FAILURE), "a completion that never comes");
+}
+
+TEST(WatchdogDeathTest, EndsATestThatHangs)
+{
+    const auto hang = [] {
+        const Watchdog watchdog{std::chrono::seconds{1}};
+        std::promise<void> never;
+        never.get_future().wait();
+    };
+    EXPECT_EXIT(hang(), testing::ExitedWithCode(EXIT_FAILURE), "EndsATestThatHangs.*waited in vain");
 }
 
 } // namespace

@@ -18,11 +18,40 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace tarn::tests {
 namespace {
+
+/// Who came to his points in which order.
+std::string orderOf(std::uint32_t seed)
+{
+    std::string order;
+    Schedule schedule{seed};
+    for (const char name : {'a', 'b', 'c'})
+        schedule.thread([&order, name] {
+            for (int i = 0; i != 4; ++i) {
+                order += name;
+                Schedule::point("");
+            }
+        });
+    schedule.run();
+    return order;
+}
+
+TEST(Schedules, AreTheSameForTheSameSeedAndOthersForOthers)
+{
+    std::set<std::string> orders;
+    for (std::uint32_t seed = 0; seed != 100; ++seed) {
+        const auto order = orderOf(seed);
+        EXPECT_EQ(orderOf(seed), order);
+        orders.insert(order);
+    }
+    EXPECT_GT(orders.size(), 90U);
+}
 
 /// What the operation in which a thread is has done so far.
 struct Done {
