@@ -1,7 +1,10 @@
 #include <console/providercatalogue.h>
 
+#include <console/pluginfile.h>
+
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonObject>
 #include <QLibrary>
 #include <QPluginLoader>
@@ -26,7 +29,7 @@ ProviderCatalogue::ProviderCatalogue()
     : m_folders{searchFolders()}
 {
     for (const QDir folder : std::as_const(m_folders)) {
-        for (const auto& entry : folder.entryInfoList(QDir::Files, QDir::Name)) {
+        for (const auto& entry : folder.entryInfoList(QDir::AllEntries | QDir::System, QDir::Name)) {
             const auto file = entry.absoluteFilePath();
             if (!QLibrary::isLibrary(file))
                 continue;
@@ -47,6 +50,8 @@ provider::IDeviceProvider* ProviderCatalogue::find(const QString& name) const
 
 std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const QString& file) const
 {
+    if (!QFileInfo{file}.isFile())
+        return std::unexpected{QStringLiteral("it is not a file")};
     QPluginLoader loader{file};
     const auto expected = QStringLiteral(TARN_DEVICE_PROVIDER_IID);
     const auto interface = loader.metaData().value(QLatin1StringView{"IID"}).toString();
@@ -54,6 +59,8 @@ std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const
         return std::unexpected{QStringLiteral("it is not a Qt plug-in")};
     if (interface != expected)
         return std::unexpected{QStringLiteral("it is a plug-in for '%1', not for '%2'").arg(interface, expected)};
+    if (const auto damage = damageOf(file))
+        return std::unexpected{*damage};
     auto* const root = loader.instance();
     if (!root)
         return std::unexpected{QStringLiteral("it cannot be loaded: %1").arg(loader.errorString())};

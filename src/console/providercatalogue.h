@@ -14,7 +14,9 @@ namespace tarn::console {
 ///
 /// Looks into the folders that the environment variable `TARN_SERVICE_PROVIDERS` lists, in the
 /// manner of `PATH`, or, when it is not set, into `../lib/tarn-service/providers` next to the
-/// program. What a plug-in was made for is read from its meta data before any of its code runs.
+/// program. What a plug-in was made for is read from its meta data before any of its code runs,
+/// and it is tried in a process of its own before it is loaded. Next to a plug-in its checksum may lie,
+/// `NAME.so.sha256`, as `sha256sum` writes it; then one that was changed is refused.
 class ProviderCatalogue {
 public:
     struct Loaded {

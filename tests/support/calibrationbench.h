@@ -22,11 +22,13 @@ namespace tarn::tests {
 /// The two calibration controls, whose observers are kept in the same way.
 struct Ifsw {
     using Sdk = sdk::service::IVellIfswCalibrationControl;
+    using SdkObserver = Sdk::Observer;
     using Adapter = devices::service::SdkVellIfswCalibrationControl;
     using Mock = MockVellIfswCalibrationControl;
 };
 struct Power {
     using Sdk = sdk::service::IVellFactoryPowerCalibrationControl;
+    using SdkObserver = Sdk::Observer;
     using Adapter = devices::service::SdkVellFactoryPowerCalibrationControl;
     using Mock = MockVellFactoryPowerCalibrationControl;
 };
@@ -83,13 +85,13 @@ private:
     bool m_isDropped = false;
 };
 
-/// A calibration control before a device that offers the SDK's controls and takes them back.
+/// A control with observers before a device that offers the SDK's controls and takes them back.
 template <class Calibration>
 class CalibrationBench : public testing::Test {
 protected:
     using Sdk = typename Calibration::Sdk;
     using Adapter = typename Calibration::Adapter;
-    using SdkObserver = typename Sdk::Observer;
+    using SdkObserver = typename Calibration::SdkObserver;
     using Registered = RegisteredObservers<SdkObserver>;
 
     /// Offers a new control in place of the one before, which is dropped.
@@ -101,6 +103,8 @@ protected:
             if (whenAdded)
                 whenAdded(observer);
             registry->add(observer);
+            if (onceAdded)
+                onceAdded();
         });
         ON_CALL(*mock, removeObserver).WillByDefault([this, registry = registered()](SdkObserver* observer) {
             registry->remove(observer);
@@ -134,6 +138,7 @@ protected:
 
     FakeVna device;
     std::function<void(SdkObserver*)> whenAdded; ///< runs in every registration, before it is made
+    std::function<void()> onceAdded; ///< runs in every registration, after it was made
     std::function<void(SdkObserver*)> whenRemoved; ///< runs in every removal, after it was made
 
 private:

@@ -1,13 +1,28 @@
 #include <support/mutexprobe.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <pthread.h>
 
 namespace {
 
 thread_local int locked = 0;
+thread_local std::array<pthread_mutex_t*, 32> heldMutexes{};
 thread_local int held = 0;
 thread_local int successesLeft = -1; // negative: none fails
+thread_local tarn::tests::MutexProbe::Hooks hooks{};
+
+auto heldEnd()
+{
+    return heldMutexes.begin() + held;
+}
+
+/// As a mutex does that checks for errors; one that waited for itself could not be tested.
+bool isHeld(const pthread_mutex_t* mutex)
+{
+    return std::find(heldMutexes.begin(), heldEnd(), mutex) != heldEnd();
+}
 
 } // namespace
 
@@ -22,14 +37,25 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) // NOLINT
 {
     if (successesLeft >= 0 && successesLeft-- == 0)
         return EINVAL;
+    if (isHeld(mutex))
+        return EDEADLK;
+    if (hooks.approach)
+        hooks.approach();
+    while (hooks.wait && pthread_mutex_trylock(mutex) == EBUSY) {
+        if (!hooks.wait())
+            return EDEADLK;
+    }
+    if (const int error = hooks.wait ? 0 : __real_pthread_mutex_lock(mutex))
+        return error;
     ++locked;
-    ++held;
-    return __real_pthread_mutex_lock(mutex);
+    heldMutexes.at(static_cast<std::size_t>(held++)) = mutex;
+    return 0;
 }
 
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) // NOLINT
 {
-    --held;
+    const auto end = std::remove(heldMutexes.begin(), heldEnd(), mutex);
+    held = static_cast<int>(end - heldMutexes.begin());
     return __real_pthread_mutex_unlock(mutex);
 }
 }
@@ -49,6 +75,11 @@ int MutexProbe::held()
 void MutexProbe::failAfter(int successes)
 {
     successesLeft = successes;
+}
+
+void MutexProbe::hook(Hooks wanted)
+{
+    hooks = wanted;
 }
 
 } // namespace tarn::tests

@@ -47,8 +47,8 @@ auto answering(Answer answer)
 template <class Element>
 auto answering(std::span<const Element> elements)
 {
-    return [elements, array = std::make_shared<std::vector<Element>>()](auto& control) {
-        array->assign(elements.begin(), elements.end());
+    return [elements](auto& control) {
+        const auto array = std::make_shared<std::vector<Element>>(elements.begin(), elements.end());
         control.answer = std::span<const Element>{*array};
         control.atEnd = [array] { std::ranges::fill(*array, Element{}); };
     };

@@ -38,6 +38,7 @@ struct Flagged : Calibration {
 /// The factory corrections: a plain map.
 struct Corrections {
     using Sdk = sdk::IFactoryCorrectionControl;
+    using SdkObserver = Sdk::Observer;
     using Adapter = devices::service::SdkFactoryCorrectionControl;
     using Mock = MockFactoryCorrectionControl;
 

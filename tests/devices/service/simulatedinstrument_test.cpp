@@ -1,23 +1,10 @@
 // The adapters, obtained as a host does, while a simulated instrument with threads of its own comes and goes.
 
+#include "allcontrols.h"
 #include "heard.h"
 
 #include <devices/instrumentcontrols.h>
-#include <devices/service/ifilememorycontrol.h>
-#include <devices/service/ipotentiometerscontrol.h>
-#include <devices/service/iusbidcontrol.h>
 #include <devices/service/sdkcalibrationcontrolwatcher.h>
-#include <devices/service/sdkdornpowercontrol.h>
-#include <devices/service/sdkdornsynthesiscontrol.h>
-#include <devices/service/sdkloleakagecontrol.h>
-#include <devices/service/sdkquillpowercontrol.h>
-#include <devices/service/sdkquillsynthesiscontrol.h>
-#include <devices/service/sdksablepowercontrol.h>
-#include <devices/service/sdksablesynthesiscontrol.h>
-#include <devices/service/sdktemperaturecontrol.h>
-#include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
-#include <devices/service/sdkvellifswcalibrationcontrol.h>
-#include <devices/service/sdkvellsynthesiscontrol.h>
 #include <devices/service/servicecontrols.h>
 #include <simulator/calibrations.h>
 #include <simulator/simulatedvna.h>
@@ -242,12 +229,7 @@ protected:
     const QCoreApplication application{argumentCount, nullptr};
     const std::shared_ptr<simulator::SimulatedVna> vna = std::make_shared<simulator::SimulatedVna>(settings());
     const ControlRegistry registry = serviceControls();
-    InstrumentControls controls{
-        vna, registry,
-        ControlTypes<IFileMemoryControl, IPotentiometersControl, IUsbIdControl, SerialNumber, Memory,
-                     SdkQuillSynthesisControl, SdkQuillPowerControl, SdkSableSynthesisControl, SdkSablePowerControl,
-                     SdkLoLeakageControl, SdkDornPowerControl, SdkDornSynthesisControl, SdkVellSynthesisControl, Terms,
-                     Ifsw, Power, Corrections, SdkTemperatureControl, Handle>{}};
+    InstrumentControls controls{vna, registry, AllControls{}};
     const std::vector<double> termsPoints = pointsOf(control<Terms>()->frequencyPlan());
     const std::vector<double> ifswPoints = pointsOf(control<Ifsw>()->frequencyPlan());
     const std::vector<double> powerPoints = pointsOf(control<Power>()->frequencyPlan());

@@ -1,0 +1,104 @@
+#include <console/pluginfile.h>
+
+#include <provider/ideviceprovider.h>
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QPluginLoader>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+
+#include <elf.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tarn::console {
+
+namespace {
+
+/// The table of sections is the last thing in a file that a linker has written.
+bool isCutOff(QFile& file)
+{
+    Elf64_Ehdr header{};
+    if (file.read(reinterpret_cast<char*>(&header), sizeof(header)) != sizeof(header))
+        return true;
+    const auto rest = static_cast<std::uint64_t>(file.size()) - sizeof(header);
+    const auto table = std::uint64_t{header.e_shnum} * header.e_shentsize;
+    return table > rest || header.e_shoff > sizeof(header) + rest - table;
+}
+
+/// Whether `file` is another than its checksum says. That stands next to it, as `sha256sum` writes it, or nowhere.
+bool isChanged(const QString& name, QFile& file)
+{
+    QFile checksum{name + QStringLiteral(".sha256")};
+    if (!checksum.open(QIODevice::ReadOnly))
+        return false;
+    QCryptographicHash hash{QCryptographicHash::Sha256};
+    file.seek(0);
+    return !hash.addData(&file) || !checksum.readAll().startsWith(hash.result().toHex());
+}
+
+/// What a host does with every provider that it finds, to its end.
+void use(const QString& file)
+{
+    QPluginLoader loader{file};
+    if (const auto* const provider = qobject_cast<provider::IDeviceProvider*>(loader.instance())) {
+        static_cast<void>(provider->name());
+        static_cast<void>(provider->description());
+        static_cast<void>(provider->addressSyntax());
+        static_cast<void>(provider->addressOptions());
+        static_cast<void>(provider->addresses());
+    }
+    loader.unload();
+}
+
+/// In a process of its own, which leaves nothing behind.
+[[noreturn]] void tryOut(const QString& file)
+{
+    constexpr unsigned int secondsToLoad = 20;
+    constexpr rlimit noCore{0, 0};
+    ::setrlimit(RLIMIT_CORE, &noCore);
+    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        ::dup2(nowhere, stream);
+    ::signal(SIGALRM, SIG_DFL);
+    ::alarm(secondsToLoad);
+    use(file);
+    ::_exit(EXIT_SUCCESS);
+}
+
+bool survivesItsUse(const QString& file)
+{
+    const auto child = ::fork();
+    if (child < 0)
+        return true; // it cannot be tried; the use itself will tell
+    if (child == 0)
+        tryOut(file);
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR)
+        ;
+    return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+}
+
+} // namespace
+
+std::optional<QString> damageOf(const QString& file)
+{
+    QFile contents{file};
+    if (!contents.open(QIODevice::ReadOnly))
+        return QStringLiteral("it cannot be read: %1").arg(contents.errorString());
+    if (isCutOff(contents))
+        return QStringLiteral("it is damaged: its end is missing");
+    if (isChanged(file, contents))
+        return QStringLiteral("it is damaged: it does not agree with its checksum");
+    if (!survivesItsUse(file))
+        return QStringLiteral("it is damaged: loading it ends the program");
+    return std::nullopt;
+}
+
+} // namespace tarn::console

@@ -1,0 +1,169 @@
+// Provider plug-ins that are none, or not whole. Whatever is wrong with them, the program says so and goes on.
+
+#include <console/consoletest.h>
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+
+#include <gmock/gmock.h>
+
+#include <cstddef>
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace tarn::console {
+
+using testing::HasSubstr;
+
+class DamagedProviders : public ConsoleTest {
+protected:
+    DamagedProviders()
+    {
+        setVariable(QStringLiteral("TARN_SERVICE_PROVIDERS"), path(QString{}));
+        QFile file{QStringLiteral(TARN_TEST_PROVIDERS "/awkward_provider/libawkward_provider.so")};
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        whole = file.readAll();
+    }
+
+    /// Writes a plug-in that is whole but for what `damage` does to it.
+    void write(const QString& name, const std::function<void(QByteArray&)>& damage)
+    {
+        auto contents = whole;
+        damage(contents);
+        writeLocal(name, contents);
+    }
+
+    /// A run to its end; the reasons for which files were refused, and the number of those that were not.
+    QJsonArray refused()
+    {
+        const auto outcome = run({QStringLiteral("--json"), QStringLiteral("providers")});
+        EXPECT_EQ(outcome.exitCode, 0);
+        const auto result = outcome.result().toObject();
+        loaded = result.value(QStringLiteral("providers")).toArray().size();
+        return result.value(QStringLiteral("refused")).toArray();
+    }
+
+    static std::string reasonOf(const QJsonValue& file)
+    {
+        return file.toObject().value(QStringLiteral("reason")).toString().toStdString();
+    }
+
+    QByteArray whole;
+    qsizetype loaded = 0;
+};
+
+/// Changes the first `from` in the file.
+std::function<void(QByteArray&)> replaced(const QByteArray& from, const QByteArray& to)
+{
+    return [=](QByteArray& contents) {
+        const auto at = contents.indexOf(from);
+        ASSERT_GE(at, 0) << from.toStdString();
+        contents.replace(at, to.size(), to);
+    };
+}
+
+std::function<void(QByteArray&)> withByte(qsizetype at, char value)
+{
+    return [=](QByteArray& contents) { contents[at] = value; };
+}
+
+TEST_F(DamagedProviders, AForeignFileIsRefusedWithTheReason)
+{
+    const QByteArray metaData{"qt-project!\0\1", 13};
+    const struct {
+        const char* what;
+        std::function<void(QByteArray&)> damage;
+        const char* reason;
+    } cases[] = {
+        {"nothing", [](QByteArray& contents) { contents.clear(); }, "not a Qt plug-in"},
+        {"text", [](QByteArray& contents) { contents = "not a library\n"; }, "not a Qt plug-in"},
+        {"zeros", [](QByteArray& contents) { contents.fill('\0'); }, "not a Qt plug-in"},
+        {"no plug-in", replaced(metaData, "qt-project?"), "not a Qt plug-in"},
+        {"other word size", withByte(4, 1), "not a Qt plug-in"},
+        {"other byte order", withByte(5, 2), "not a Qt plug-in"},
+        {"other machine", withByte(18, '\xf3'), "not a Qt plug-in"},
+        {"other Qt", replaced(metaData + '\6', metaData + '\5'), "incompatible Qt library"},
+        {"other interface", replaced("tarn.DeviceProvider/2", "tarn.DeviceProvider/1"), "'tarn.DeviceProvider/1'"},
+        {"missing function", replaced("_ZN7QObjectD2Ev", "_ZN7QObjectD9Ev"), "_ZN7QObjectD9Ev"},
+    };
+    for (const auto& [what, damage, reason] : cases) {
+        SCOPED_TRACE(what);
+        write(QStringLiteral("libforeign.so"), damage);
+        const auto files = refused();
+        EXPECT_EQ(loaded, 0);
+        ASSERT_EQ(files.size(), 1);
+        EXPECT_THAT(reasonOf(files.first()), HasSubstr(reason));
+    }
+}
+
+TEST_F(DamagedProviders, WhatIsNoFileIsRefused)
+{
+    ASSERT_TRUE(QDir{path(QString{})}.mkdir(QStringLiteral("libfolder.so")));
+    ASSERT_TRUE(QFile::link(QStringLiteral("nowhere"), path(QStringLiteral("liblink.so"))));
+    ASSERT_EQ(::mkfifo(path(QStringLiteral("libpipe.so")).toUtf8().constData(), 0600), 0);
+    const auto files = refused();
+    EXPECT_EQ(files.size(), 3);
+    for (const auto file : files)
+        EXPECT_EQ(reasonOf(file), "it is not a file");
+}
+
+TEST_F(DamagedProviders, AFileThatWasCutOffIsRefusedWhereverThatWas)
+{
+    constexpr qsizetype parts = 32;
+    for (qsizetype part = 0; part != parts; ++part)
+        write(QStringLiteral("libcut%1.so").arg(part),
+              [=](QByteArray& contents) { contents.truncate(contents.size() * part / parts); });
+    write(QStringLiteral("liblast.so"), [](QByteArray& contents) { contents.chop(1); });
+    const auto files = refused();
+    EXPECT_EQ(loaded, 0);
+    EXPECT_EQ(files.size(), parts + 1);
+    for (const auto file : files)
+        EXPECT_THAT(reasonOf(file), testing::AnyOf(HasSubstr("not a Qt plug-in"), HasSubstr("its end is missing")));
+}
+
+TEST_F(DamagedProviders, AFileThatDoesNotAgreeWithItsChecksumIsRefusedWhicheverBitsWereTurnedOver)
+{
+    constexpr unsigned int count = 100;
+    const auto checksum = QCryptographicHash::hash(whole, QCryptographicHash::Sha256).toHex() + "  libwhole.so\n";
+    for (unsigned int seed = 0; seed != count; ++seed) {
+        const auto name = QStringLiteral("libturned%1.so").arg(seed);
+        write(name, [seed](QByteArray& contents) {
+            std::mt19937 random{seed};
+            // in the headers, or anywhere
+            const auto size = seed % 2 == 0 ? std::size_t{4096} : static_cast<std::size_t>(contents.size());
+            for (unsigned int i = 0; i <= seed % 8; ++i) {
+                auto& byte = contents[static_cast<qsizetype>(random() % size)];
+                byte = static_cast<char>(byte ^ 1 << random() % 8);
+            }
+        });
+        writeLocal(name + QStringLiteral(".sha256"), checksum);
+    }
+    writeLocal(QStringLiteral("libwhole.so"), whole);
+    writeLocal(QStringLiteral("libwhole.so.sha256"), checksum);
+    const auto files = refused();
+    EXPECT_EQ(loaded, 1);
+    EXPECT_EQ(files.size(), count);
+    for (const auto file : files)
+        EXPECT_THAT(
+            reasonOf(file),
+            testing::AnyOf(HasSubstr("its checksum"), HasSubstr("not a Qt plug-in"), HasSubstr("it is a plug-in for")));
+}
+
+TEST_F(DamagedProviders, AFileWhoseCodeEndsTheProgramIsRefusedWithoutThat)
+{
+    write(QStringLiteral("libholed.so"), [](QByteArray& contents) {
+        const auto quarter = contents.size() / 4;
+        contents.replace(quarter, 2 * quarter, QByteArray(2 * quarter, '\xcc'));
+    });
+    const auto files = refused();
+    EXPECT_EQ(loaded, 0);
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_THAT(reasonOf(files.first()), HasSubstr("ends the program"));
+}
+
+} // namespace tarn::console

@@ -1,0 +1,109 @@
+// A thousand times loaded and let go: the library, and a provider with an instrument.
+
+#include <devices/controlregistry.h>
+#include <devices/icontrollifecycleobserver.h>
+#include <provider/ideviceprovider.h>
+
+#include <support/fakevna.h>
+#include <support/mocktemperaturecontrol.h>
+
+#include <QFile>
+#include <QLibrary>
+#include <QPluginLoader>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <any>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <memory>
+
+#include <malloc.h>
+
+extern "C" {
+// There if a sanitizer is.
+[[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes(); // NOLINT
+}
+
+namespace tarn::tests {
+namespace {
+
+std::ptrdiff_t entriesOf(const char* folder)
+{
+    return std::distance(std::filesystem::directory_iterator{folder}, std::filesystem::directory_iterator{});
+}
+
+QByteArray mappings()
+{
+    QFile maps{QStringLiteral("/proc/self/maps")};
+    EXPECT_TRUE(maps.open(QIODevice::ReadOnly));
+    return maps.readAll();
+}
+
+/// What this program holds on to.
+struct Footprint {
+    std::size_t bytes
+        = __sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes() : mallinfo2().uordblks;
+    std::ptrdiff_t files = entriesOf("/proc/self/fd");
+    std::ptrdiff_t threads = entriesOf("/proc/self/task");
+    qsizetype mappingCount = mappings().count('\n');
+};
+
+void expectFlat(const std::function<void()>& cycle)
+{
+    constexpr int warmUps = 100;
+    constexpr int cycles = 1000;
+    constexpr std::size_t lessThanABlockEach = 24 * cycles;
+    for (int i = 0; i != warmUps; ++i)
+        cycle();
+    const Footprint before;
+    for (int i = 0; i != cycles; ++i)
+        cycle();
+    const Footprint after;
+    EXPECT_LT(after.bytes, before.bytes + lessThanABlockEach);
+    EXPECT_EQ(after.files, before.files);
+    EXPECT_EQ(after.threads, before.threads);
+    EXPECT_LE(after.mappingCount, before.mappingCount + 2) << "the heap may have grown";
+}
+
+TEST(Loading, AProviderAndItsInstrumentComeAndGoWithoutATrace)
+{
+    expectFlat([] {
+        QPluginLoader loader{QStringLiteral(SIMULATOR_PROVIDER)};
+        auto* const provider = qobject_cast<provider::IDeviceProvider*>(loader.instance());
+        ASSERT_NE(provider, nullptr) << loader.errorString().toStdString();
+        {
+            const auto device = provider->open({{}, QStringLiteral("none")});
+            ASSERT_TRUE(device.has_value());
+            EXPECT_NE((*device)->control(sdk::ITemperatureControl::key), nullptr);
+        }
+        EXPECT_TRUE(loader.unload());
+    });
+}
+
+TEST(Loading, TheLibraryAndItsControlsComeAndGoWithoutATrace)
+{
+    const auto sdk = std::make_shared<testing::NiceMock<MockTemperatureControl>>();
+    FakeVna device;
+    device.offer<sdk::ITemperatureControl>(sdk::ITemperatureControl::key, sdk);
+    expectFlat([&] {
+        QLibrary library{QStringLiteral(TARN_DEVICES_SERVICE_FILE)};
+        const auto registrate = reinterpret_cast<void (*)(devices::ControlRegistry*)>(
+            library.resolve("_ZN4tarn7devices7service15servicecontrols10registrateEPNS0_15ControlRegistryE"));
+        ASSERT_NE(registrate, nullptr) << library.errorString().toStdString();
+        {
+            devices::ControlRegistry registry;
+            registrate(&registry);
+            const auto made = std::ranges::count_if(registry.entries(), [&](const auto& entry) {
+                return entry.create(static_cast<sdk::IVna*>(&device)).has_value();
+            });
+            EXPECT_EQ(made, 1);
+        }
+        EXPECT_TRUE(library.unload());
+    });
+    EXPECT_FALSE(mappings().contains("libDevicesService")) << "it has never gone";
+}
+
+} // namespace
+} // namespace tarn::tests
