@@ -11,8 +11,6 @@ std::atomic<long> liveBlocks{0};
 thread_local int left = 0; // allocations until the first that fails; 0 and less: none does
 thread_local bool isForEver = false;
 thread_local bool hasFailed = false;
-thread_local const int* watch = nullptr;
-thread_local int then = 0;
 
 bool fails() noexcept
 {
@@ -20,8 +18,6 @@ bool fails() noexcept
         return false;
     if (isForEver)
         left = 1;
-    if (!hasFailed)
-        then = *watch;
     hasFailed = true;
     return true;
 }
@@ -79,11 +75,10 @@ void operator delete[](void* block, std::align_val_t, const std::nothrow_t&) noe
 
 namespace tarn::tests {
 
-void AllocationFaults::arm(int nth, bool forEver, const int& watched)
+void AllocationFaults::arm(int nth, bool forEver)
 {
     left = nth;
     isForEver = forEver;
-    watch = &watched;
     hasFailed = false;
 }
 
@@ -91,11 +86,6 @@ bool AllocationFaults::disarm()
 {
     left = 0;
     return hasFailed;
-}
-
-int AllocationFaults::watchedThen()
-{
-    return then;
 }
 
 long AllocationFaults::live()

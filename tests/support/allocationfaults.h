@@ -6,14 +6,11 @@ namespace tarn::tests {
 /// linked with it has its own `operator new`.
 struct AllocationFaults {
     /// From the `nth` allocation (from 1) that the calling thread makes from now on, lets that one
-    /// fail or all that follow as well, until `disarm`. What `watched` says then is remembered.
-    static void arm(int nth, bool forEver, const int& watched);
+    /// fail or all that follow as well, until `disarm`.
+    static void arm(int nth, bool forEver);
 
     /// Ends that. Whether an allocation has failed.
     static bool disarm();
-
-    /// What `watched` said when the first allocation failed.
-    [[nodiscard]] static int watchedThen();
 
     /// How many blocks are allocated and not freed, on all threads.
     [[nodiscard]] static long live();

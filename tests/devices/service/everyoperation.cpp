@@ -263,20 +263,27 @@ struct Temperature : Plain<sdk::ITemperatureControl, SdkTemperatureControl, Plai
     static constexpr auto name = "Temperature";
     static Operations operations()
     {
-        const auto current = std::make_shared<Mock*>(nullptr);
-        auto notified = does("onTemperatureChanged of the SDK, after a return", 6, [current](Adapter& adapter) {
-            adapter.onControlsAvailable();
-            (*current)->attached->onTemperatureChanged();
-        });
-        notified.operation.stub = [current](Mock& control, std::function<void()> inside) {
-            *current = &control;
-            stub(control, std::move(inside));
-        };
         return {does("onControlsAvailable", 4, &Adapter::onControlsAvailable),
                 does("onControlsAboutToBeReleased", 2, &Adapter::onControlsAboutToBeReleased),
                 does("temperature", 0, [](Adapter& adapter) { std::ignore = adapter.temperature(); }),
-                does("modulesTemperature", 0, [](Adapter& adapter) { std::ignore = adapter.modulesTemperature(); }),
-                std::move(notified)};
+                does("modulesTemperature", 0, [](Adapter& adapter) { std::ignore = adapter.modulesTemperature(); })};
+    }
+};
+
+/// The notification of the SDK, to an adapter that is attached.
+struct TemperatureChange : Plain<sdk::ITemperatureControl, SdkTemperatureControl, PlainTemperatureControl> {
+    static constexpr auto name = "TemperatureChange";
+    static void prepare(Adapter& adapter) { adapter.onControlsAvailable(); }
+    static Operations operations()
+    {
+        const auto current = std::make_shared<Mock*>(nullptr);
+        auto change = does("onTemperatureChanged", 2,
+                           [current](Adapter& /*adapter*/) { (*current)->attached->onTemperatureChanged(); });
+        change.operation.stub = [current](Mock& control, std::function<void()> inside) {
+            *current = &control;
+            stub(control, std::move(inside));
+        };
+        return {change};
     }
 };
 
@@ -337,8 +344,8 @@ struct Tuned : Tuning {
 template <class... Tunings>
 auto withTheOthers(testing::Types<Tunings...>)
     -> testing::Types<Tuned<Tunings>..., LoLeakage, FileMemory, Potentiometers, UsbId, SerialNumber, MemoryOperations,
-                      SystemTerms, VellIfsw, VellPower, FactoryCorrections, Temperature, CalibrationHandle,
-                      CalibrationWatcher>;
+                      SystemTerms, VellIfsw, VellPower, FactoryCorrections, Temperature, TemperatureChange,
+                      CalibrationHandle, CalibrationWatcher>;
 
 /// All controls.
 using Contracts = decltype(withTheOthers(TuningControls{}));
@@ -382,8 +389,13 @@ public:
         m_bench.drop();
         return m_control.expired();
     }
-    void offer() override { m_control = m_bench.offerStubbed(); }
-    [[nodiscard]] const int& heard() const override { return m_heard; }
+    void offer() override
+    {
+        m_control = m_bench.offerStubbed();
+        if constexpr (requires { Contract::prepare(m_bench.adapter); })
+            Contract::prepare(m_bench.adapter);
+    }
+    [[nodiscard]] int heard() const override { return m_heard; }
 
 private:
     const Op m_operation;

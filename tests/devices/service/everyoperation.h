@@ -34,13 +34,13 @@ public:
     virtual void offer() = 0;
 
     /// How often the adapter has emitted a signal or told an observer something.
-    [[nodiscard]] virtual const int& heard() const = 0;
+    [[nodiscard]] virtual int heard() const = 0;
 };
 
 /// One public operation of one adapter.
 struct AnyOperation {
     std::string name;
-    int calls; ///< of the device and of the control, when the adapter has to ask for it
+    int calls; ///< of the device and of a control that was not asked for before
     std::function<std::unique_ptr<AnyBench>()> bench;
 };
 
