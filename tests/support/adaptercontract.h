@@ -1,12 +1,10 @@
 #pragma once
 
 #include <support/contractbench.h>
-#include <support/exceptions.h>
 
 #include <gtest/gtest.h>
 
 #include <barrier>
-#include <exception>
 #include <string>
 #include <thread>
 #include <vector>
@@ -105,44 +103,6 @@ TYPED_TEST_P(AdapterContract, AControlOfferedLateIsReachedByTheNextCall)
     });
 }
 
-TYPED_TEST_P(AdapterContract, AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks)
-{
-    this->forEachOperation([](const auto& operation) {
-        for (const auto& exception : anyExceptions()) {
-            ContractBench<TypeParam> bench{operation};
-            bench.inside = [&] { std::rethrow_exception(exception); };
-            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
-            EXPECT_EQ(bench.sdkCalls, 1);
-            EXPECT_EQ(bench.first.use_count(), 1) << "the strong handle was kept";
-
-            bench.inside = nullptr;
-            EXPECT_NE(bench.run(), Outcome::Unavailable);
-            EXPECT_EQ(bench.sdkCalls, 2);
-            EXPECT_EQ(bench.asked(), 1);
-        }
-    });
-}
-
-TYPED_TEST_P(AdapterContract, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain)
-{
-    this->forEachOperation([](const auto& operation) {
-        for (const auto& exception : anyExceptions()) {
-            ContractBench<TypeParam> bench{operation};
-            bench.drop();
-            bench.offerStubbed();
-            bench.device.whenAsked([&](sdk::Key) { std::rethrow_exception(exception); });
-            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
-            EXPECT_EQ(bench.sdkCalls, 0);
-
-            bench.device.whenAsked(nullptr);
-            const int before = bench.asked();
-            EXPECT_NE(bench.run(), Outcome::Unavailable);
-            EXPECT_EQ(bench.sdkCalls, 1);
-            EXPECT_EQ(bench.asked(), before + 1);
-        }
-    });
-}
-
 TYPED_TEST_P(AdapterContract, AControlDroppedDuringACallLivesUntilTheCallEnds)
 {
     this->forEachOperation([](const auto& operation) {
@@ -200,12 +160,12 @@ TYPED_TEST_P(AdapterContract, TwoThreadsCanBeInTheSameSdkCallAtOnce)
     });
 }
 
-REGISTER_TYPED_TEST_SUITE_P(
-    AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult,
-    ADroppedControlIsNotCalledAndGivesTheNeutralResult, ALiveControlIsUsedWithoutAskingTheDevice,
-    ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice, AControlOfferedLateIsReachedByTheNextCall,
-    AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain,
-    AControlDroppedDuringACallLivesUntilTheCallEnds, TheAdapterCanBeCalledFromInsideItsOwnSdkCall,
-    TheAdapterCanBeCalledWhileItAsksTheDevice, TwoThreadsCanBeInTheSameSdkCallAtOnce);
+REGISTER_TYPED_TEST_SUITE_P(AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult,
+                            ADroppedControlIsNotCalledAndGivesTheNeutralResult,
+                            ALiveControlIsUsedWithoutAskingTheDevice,
+                            ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice,
+                            AControlOfferedLateIsReachedByTheNextCall, AControlDroppedDuringACallLivesUntilTheCallEnds,
+                            TheAdapterCanBeCalledFromInsideItsOwnSdkCall, TheAdapterCanBeCalledWhileItAsksTheDevice,
+                            TwoThreadsCanBeInTheSameSdkCallAtOnce);
 
 } // namespace tarn::tests
