@@ -1,7 +1,11 @@
 // What is left of an allocation that fails: a `std::bad_alloc` for the caller. The first, the second
 // and so on to the last allocation of every public operation fails, alone or with all that follow.
 //
-// Qt allocates the contents of its strings, lists and byte arrays with `malloc`; these do not fail here.
+// What is up to Qt does not fail here:
+// - It allocates the contents of its strings, lists and byte arrays with `malloc`.
+// - `QObject::connect`, and with it the construction of `SdkCalibrationControlWatcher`, does not survive it. If
+//   the receiver's part of the first connection cannot be allocated, the sender keeps a pointer to the connection,
+//   which is freed; if the connection itself cannot, the slot object is lost.
 
 #include "everyoperation.h"
 
@@ -35,13 +39,6 @@
 #include <tuple>
 #include <utility>
 #include <vector>
-
-/// The leak sanitizer asks for what it is to keep quiet about: see the test of the watcher.
-extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
-{
-    return "leak:QObject::connect";
-}
 
 namespace tarn::tests {
 namespace {
@@ -79,10 +76,9 @@ private:
     bool m_isForEver;
 };
 
-/// Calls `attempt` with one fault after the other until it says that it got by without one. How many it
-/// met. At most `lost` blocks may stay allocated after each.
+/// Calls `attempt` with one fault after the other until it says that it got by without one. How many it met.
 template <class Attempt>
-int withEveryFault(Attempt attempt, long lost = 0)
+int withEveryFault(Attempt attempt)
 {
     attempt(Fault{1, false}); // what is made once for all is not what leaks
     int met = 0;
@@ -91,7 +87,7 @@ int withEveryFault(Attempt attempt, long lost = 0)
             SCOPED_TRACE(testing::Message{} << "allocation " << nth << (isForEver ? " and all that follow" : ""));
             const long before = AllocationFaults::live();
             const bool isMet = attempt(Fault{nth, isForEver});
-            EXPECT_LE(AllocationFaults::live(), before + lost) << "blocks were lost";
+            EXPECT_EQ(AllocationFaults::live(), before) << "blocks were lost";
             if (!isMet)
                 break;
         }
@@ -146,21 +142,6 @@ using devices::service::SdkCalibrationControlWatcher;
 auto aController()
 {
     return handleTo<sdk::service::calibrations::ICalibrationController>(std::make_shared<PlainCalibrationController>());
-}
-
-TEST(AllocationFailure, OfAWatcherIsReportedAndLeavesNothingButWhatQtLoses)
-{
-    SdkCalibrationControlHandle handle{aController()};
-    const long slotObject = 1; // `QObject::connect` loses it when there is no memory for the connection
-    const int met = withEveryFault(
-        [&](Fault fault) {
-            std::unique_ptr<SdkCalibrationControlWatcher> watcher;
-            const bool isMet = fault.strikes([&] { watcher = std::make_unique<SdkCalibrationControlWatcher>(handle); });
-            onAnotherThread([&] { const SdkCalibrationControlWatcher other{handle}; });
-            return isMet;
-        },
-        slotObject);
-    EXPECT_GE(met, 4);
 }
 
 TEST(AllocationFailure, OfASignalToAWatcherOnAnotherThreadIsReportedAndLeavesNothing)
