@@ -3,9 +3,8 @@
 //
 // What is up to Qt does not fail here:
 // - It allocates the contents of its strings, lists and byte arrays with `malloc`.
-// - `QObject::connect`, and with it the construction of `SdkCalibrationControlWatcher`, does not survive it. If
-//   the receiver's part of the first connection cannot be allocated, the sender keeps a pointer to the connection,
-//   which is freed; if the connection itself cannot, the slot object is lost.
+// - `QObject::connect`, and with it the construction of `SdkCalibrationControlWatcher`, does not survive it: the
+//   sender's list of connections is damaged, and the slot object is lost.
 
 #include "everyoperation.h"
 
