@@ -48,7 +48,7 @@ ErrorTerms errorTermsToSdk(const vna::ErrorTerms& terms)
     result.ports.reserve(ports);
     for (std::size_t number = 1; number <= ports; ++number)
         result.ports.push_back(port(terms, number));
-    result.portPairs.reserve(ports > 0 ? ports * (ports - 1) : 0);
+    result.portPairs.reserve(ports * (ports - 1)); // of no port: 0, whatever the other factor
     for (std::size_t source = 1; source <= ports; ++source) {
         for (std::size_t receiver = 1; receiver <= ports; ++receiver) {
             if (receiver != source)

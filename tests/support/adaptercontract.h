@@ -1,19 +1,10 @@
 #pragma once
 
-#include <support/adapteroperation.h>
-#include <support/exceptions.h>
-#include <support/fakevna.h>
-
-#include <devices/reacquiringcontrol.h>
-#include <sdk/controlhandle.h>
+#include <support/contractbench.h>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <barrier>
-#include <exception>
-#include <functional>
-#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,69 +20,6 @@
 ///     };
 ///     INSTANTIATE_TYPED_TEST_SUITE_P(Foo, AdapterContract, FooContract);
 namespace tarn::tests {
-
-/// An adapter before a device that a test offers controls on and takes them from.
-template <class Contract>
-struct ContractBench {
-    using Sdk = typename Contract::Sdk;
-    using Adapter = typename Contract::Adapter;
-    using Mock = typename Contract::Mock;
-    using Op = Operation<Adapter, Mock>;
-
-    /// Begins with a control if `offered`. The adapter is made from a moved handle.
-    explicit ContractBench(const Op& op, bool offered = true)
-        : operation{op}
-        , first{offered ? offer() : std::weak_ptr<Mock>{}}
-    {
-        stub(first);
-    }
-
-    ~ContractBench()
-    {
-        inside = nullptr; // an adapter's destructor may call the SDK and the device
-        device.whenAsked(nullptr);
-    }
-
-    ContractBench(const ContractBench&) = delete;
-    ContractBench& operator=(const ContractBench&) = delete;
-
-    /// Offers a new control, which the device alone owns.
-    std::weak_ptr<Mock> offer()
-    {
-        const auto mock = std::make_shared<Mock>();
-        device.template offer<Sdk>(Sdk::key, mock);
-        return mock;
-    }
-
-    void stub(const std::weak_ptr<Mock>& control)
-    {
-        if (const auto mock = control.lock())
-            operation.stub(*mock, [this] {
-                ++sdkCalls;
-                if (inside)
-                    inside();
-            });
-    }
-
-    std::weak_ptr<Mock> offerStubbed()
-    {
-        auto control = offer();
-        stub(control);
-        return control;
-    }
-
-    void drop() { device.drop(Sdk::key); }
-    [[nodiscard]] int asked() const { return device.asked(Sdk::key); }
-    Outcome run() { return operation.run(adapter); }
-
-    const Op& operation;
-    FakeVna device;
-    std::weak_ptr<Mock> first;
-    std::atomic<int> sdkCalls{0}; ///< the operation's SDK call, on all controls
-    std::function<void()> inside; ///< runs in every one of them
-    Adapter adapter{devices::ReacquiringControl<Sdk>{
-        [this] { return sdk::ControlHandle<Sdk>{device.template control<Sdk>(Sdk::key)}; }}};
-};
 
 template <class Contract>
 class AdapterContract : public testing::Test {
@@ -175,44 +103,6 @@ TYPED_TEST_P(AdapterContract, AControlOfferedLateIsReachedByTheNextCall)
     });
 }
 
-TYPED_TEST_P(AdapterContract, AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks)
-{
-    this->forEachOperation([](const auto& operation) {
-        for (const auto& exception : anyExceptions()) {
-            ContractBench<TypeParam> bench{operation};
-            bench.inside = [&] { std::rethrow_exception(exception); };
-            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
-            EXPECT_EQ(bench.sdkCalls, 1);
-            EXPECT_EQ(bench.first.use_count(), 1) << "the strong handle was kept";
-
-            bench.inside = nullptr;
-            EXPECT_NE(bench.run(), Outcome::Unavailable);
-            EXPECT_EQ(bench.sdkCalls, 2);
-            EXPECT_EQ(bench.asked(), 1);
-        }
-    });
-}
-
-TYPED_TEST_P(AdapterContract, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain)
-{
-    this->forEachOperation([](const auto& operation) {
-        for (const auto& exception : anyExceptions()) {
-            ContractBench<TypeParam> bench{operation};
-            bench.drop();
-            bench.offerStubbed();
-            bench.device.whenAsked([&](sdk::Key) { std::rethrow_exception(exception); });
-            EXPECT_EQ(thrownBy([&] { bench.run(); }), exception);
-            EXPECT_EQ(bench.sdkCalls, 0);
-
-            bench.device.whenAsked(nullptr);
-            const int before = bench.asked();
-            EXPECT_NE(bench.run(), Outcome::Unavailable);
-            EXPECT_EQ(bench.sdkCalls, 1);
-            EXPECT_EQ(bench.asked(), before + 1);
-        }
-    });
-}
-
 TYPED_TEST_P(AdapterContract, AControlDroppedDuringACallLivesUntilTheCallEnds)
 {
     this->forEachOperation([](const auto& operation) {
@@ -270,12 +160,12 @@ TYPED_TEST_P(AdapterContract, TwoThreadsCanBeInTheSameSdkCallAtOnce)
     });
 }
 
-REGISTER_TYPED_TEST_SUITE_P(
-    AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult,
-    ADroppedControlIsNotCalledAndGivesTheNeutralResult, ALiveControlIsUsedWithoutAskingTheDevice,
-    ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice, AControlOfferedLateIsReachedByTheNextCall,
-    AnExceptionOfTheSdkPassesUnchangedAndTheNextCallWorks, AnExceptionOfTheDevicePassesUnchangedAndTheNextCallAsksAgain,
-    AControlDroppedDuringACallLivesUntilTheCallEnds, TheAdapterCanBeCalledFromInsideItsOwnSdkCall,
-    TheAdapterCanBeCalledWhileItAsksTheDevice, TwoThreadsCanBeInTheSameSdkCallAtOnce);
+REGISTER_TYPED_TEST_SUITE_P(AdapterContract, AControlThatWasNeverOfferedIsAskedForOnceAndGivesTheNeutralResult,
+                            ADroppedControlIsNotCalledAndGivesTheNeutralResult,
+                            ALiveControlIsUsedWithoutAskingTheDevice,
+                            ANewControlIsReachedByTheNextCallWithOneQuestionToTheDevice,
+                            AControlOfferedLateIsReachedByTheNextCall, AControlDroppedDuringACallLivesUntilTheCallEnds,
+                            TheAdapterCanBeCalledFromInsideItsOwnSdkCall, TheAdapterCanBeCalledWhileItAsksTheDevice,
+                            TwoThreadsCanBeInTheSameSdkCallAtOnce);
 
 } // namespace tarn::tests

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include <exception>
 #include <expected>
 #include <functional>
 #include <future>
@@ -18,14 +19,20 @@ namespace tarn::devices::service {
 /// Calls `request` with the completion callback to hand to the SDK, then waits, without a limit,
 /// until the callback has been called; `Finish` makes the result of what the callback was given.
 /// The callback holds nothing but the address of the promise in this frame. What `request` throws
-/// passes through.
+/// passes through, and so does what goes wrong in `Finish`: on the thread of the callback nobody could
+/// handle it, and the caller would wait for ever.
 template <class Result, class Finish, class Request>
 [[nodiscard]] Result awaitCompletion(Request request)
 {
     std::promise<Result> promise;
     auto future = promise.get_future();
-    request(
-        [&promise](auto&&... outcome) { promise.set_value(Finish{}(std::forward<decltype(outcome)>(outcome)...)); });
+    request([&promise](auto&&... outcome) {
+        try {
+            promise.set_value(Finish{}(std::forward<decltype(outcome)>(outcome)...));
+        } catch (...) {
+            promise.set_exception(std::current_exception());
+        }
+    });
     return future.get();
 }
 

@@ -50,6 +50,18 @@ TEST_F(AccessTest, AGetterGivesTheNeutralValueWithoutCallingTheOperation)
     EXPECT_FALSE(called);
 }
 
+TEST_F(AccessTest, AGetterThatConvertsDoesSoWhileItHoldsTheControl)
+{
+    const std::weak_ptr<Control> life{offered};
+    const auto drop = [&](Control& /*sdk*/) {
+        offered.reset();
+        return 3;
+    };
+    const auto convert = [&](int value) { return life.expired() ? 0 : 2 * value; };
+    EXPECT_EQ(valueOr(-1, control, drop, convert), 6);
+    EXPECT_EQ(valueOr(-1, control, drop, convert), -1) << "it is gone";
+}
+
 TEST_F(AccessTest, ASetterMovesItsArgumentsOn)
 {
     ifAvailable(control, &Control::take, std::make_unique<int>(7));

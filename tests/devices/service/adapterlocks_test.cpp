@@ -7,6 +7,7 @@
 #include <support/allocationprobe.h>
 #include <support/devicehandle.h>
 #include <support/mutexprobe.h>
+#include <support/plaincontrols.h>
 
 #include <gtest/gtest.h>
 
@@ -22,56 +23,16 @@ using devices::service::SdkFileMemoryControl;
 using devices::service::SdkLoLeakageControl;
 using devices::service::SdkTemperatureControl;
 
-class Leakage final : public sdk::service::ILoLeakageControl {
-public:
-    bool isEnabled() override { return enabled; }
-    void setEnabled(bool value) override { enabled = value; }
-
-    bool enabled = true;
-};
-
-class Thermometer final : public sdk::ITemperatureControl {
-public:
-    float temperature() override { return value; }
-    const ModuleTemperatures& moduleTemperatures() override
-    {
-        modules["LO"] = value;
-        return modules;
-    }
-    void addObserver(Observer* attached) override { observer = attached; }
-    void removeObserver(Observer* /*detached*/) override { observer = nullptr; }
-
-    float value = 1.0F;
-    Observer* observer = nullptr;
-    ModuleTemperatures modules;
-};
-
-class Files final : public sdk::service::IFileMemoryControl {
-public:
-    bool isAvailable() override { return true; }
-    void fileList(sdk::Completion<std::vector<FileInfo>> completion) override { completion({}, {}); }
-    void spaceInfo(sdk::Completion<SpaceInfo> completion) override { completion({}, {}); }
-    void readFile(const FileInfo& /*file*/, sdk::Completion<std::vector<std::uint8_t>> completion) override
-    {
-        completion({}, {});
-    }
-    void writeFile(std::string /*name*/, std::vector<std::uint8_t> /*contents*/, sdk::Completion<> completion) override
-    {
-        completion({});
-    }
-    void deleteFile(const FileInfo& /*file*/, sdk::Completion<> completion) override { completion({}); }
-};
-
 TEST(LoLeakageLocks, EveryOperationLocksTheHandleAlone)
 {
-    SdkLoLeakageControl control{handleTo<sdk::service::ILoLeakageControl>(std::make_shared<Leakage>())};
+    SdkLoLeakageControl control{handleTo<sdk::service::ILoLeakageControl>(std::make_shared<PlainLoLeakageControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = control.isEnabled(); }), 1);
     EXPECT_EQ(locksOf([&] { control.setEnabled(true); }), 1);
 }
 
 TEST(LoLeakageLocks, AMutexThatFailsIsReportedAndTheSdkIsNotCalled)
 {
-    const auto leakage = std::make_shared<Leakage>();
+    const auto leakage = std::make_shared<PlainLoLeakageControl>();
     SdkLoLeakageControl control{handleTo<sdk::service::ILoLeakageControl>(leakage)};
     MutexProbe::failAfter(0);
     EXPECT_THROW(std::ignore = control.isEnabled(), std::system_error);
@@ -83,7 +44,8 @@ TEST(LoLeakageLocks, AMutexThatFailsIsReportedAndTheSdkIsNotCalled)
 
 TEST(FileMemoryLocks, EveryRequestLocksTheHandleAlone)
 {
-    SdkFileMemoryControl control{handleTo<sdk::service::IFileMemoryControl>(std::make_shared<Files>())};
+    SdkFileMemoryControl control{
+        handleTo<sdk::service::IFileMemoryControl>(std::make_shared<PlainFileMemoryControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = control.fileList(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = control.spaceInfo(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = control.readFile({}); }), 1);
@@ -93,7 +55,8 @@ TEST(FileMemoryLocks, EveryRequestLocksTheHandleAlone)
 
 TEST(FileMemoryLocks, AMutexThatFailsIsAnExceptionAndNoErrorText)
 {
-    SdkFileMemoryControl control{handleTo<sdk::service::IFileMemoryControl>(std::make_shared<Files>())};
+    SdkFileMemoryControl control{
+        handleTo<sdk::service::IFileMemoryControl>(std::make_shared<PlainFileMemoryControl>())};
     MutexProbe::failAfter(0);
     EXPECT_THROW(std::ignore = control.readFile({}), std::system_error);
     EXPECT_TRUE(control.readFile({}).has_value());
@@ -101,7 +64,7 @@ TEST(FileMemoryLocks, AMutexThatFailsIsAnExceptionAndNoErrorText)
 
 class TemperatureLocks : public testing::Test {
 protected:
-    std::shared_ptr<Thermometer> thermometer = std::make_shared<Thermometer>();
+    std::shared_ptr<PlainTemperatureControl> thermometer = std::make_shared<PlainTemperatureControl>();
     SdkTemperatureControl control{handleTo<sdk::ITemperatureControl>(thermometer)};
 };
 
@@ -113,7 +76,7 @@ TEST_F(TemperatureLocks, AReaderLocksTheSnapshotOnce)
 
 TEST_F(TemperatureLocks, ARefreshStoresTheWholeSnapshotUnderOneLock)
 {
-    EXPECT_EQ(locksOf([&] { thermometer->observer->onTemperatureChanged(); }), 2) << "the handle's and the snapshot's";
+    EXPECT_EQ(locksOf([&] { thermometer->attached->onTemperatureChanged(); }), 2) << "the handle's and the snapshot's";
 }
 
 TEST_F(TemperatureLocks, ASnapshotThatCannotBeLockedIsReportedAndStays)
@@ -121,7 +84,7 @@ TEST_F(TemperatureLocks, ASnapshotThatCannotBeLockedIsReportedAndStays)
     thermometer->value = 2.0F;
     for (const int successes : {0, 1}) { // the handle's mutex, the snapshot's
         MutexProbe::failAfter(successes);
-        EXPECT_THROW(thermometer->observer->onTemperatureChanged(), std::system_error);
+        EXPECT_THROW(thermometer->attached->onTemperatureChanged(), std::system_error);
         EXPECT_EQ(control.temperature(), 1.0);
         EXPECT_EQ(control.modulesTemperature().at(0).temperature, 1.0);
     }
@@ -130,7 +93,7 @@ TEST_F(TemperatureLocks, ASnapshotThatCannotBeLockedIsReportedAndStays)
     MutexProbe::failAfter(0);
     EXPECT_THROW(std::ignore = control.modulesTemperature(), std::system_error);
 
-    thermometer->observer->onTemperatureChanged();
+    thermometer->attached->onTemperatureChanged();
     EXPECT_EQ(control.temperature(), 2.0);
 }
 
@@ -150,7 +113,7 @@ protected:
 TEST_F(TemperatureMemory, TheSnapshotIsAllocatedOnceInItsFullSize)
 {
     const int before = AllocationProbe::largeBlocks();
-    thermometer->observer->onTemperatureChanged();
+    thermometer->attached->onTemperatureChanged();
     EXPECT_EQ(AllocationProbe::largeBlocks(), before + 1);
 }
 
@@ -158,24 +121,24 @@ TEST_F(TemperatureMemory, TheOldSnapshotIsDestroyedWithoutALock)
 {
     static int frees = 0;
     static int freesUnderLock = 0;
-    thermometer->observer->onTemperatureChanged();
+    thermometer->attached->onTemperatureChanged();
     AllocationProbe::watchFrees([] {
         ++frees;
         freesUnderLock += MutexProbe::held() > 0 ? 1 : 0;
     });
-    thermometer->observer->onTemperatureChanged();
+    thermometer->attached->onTemperatureChanged();
     EXPECT_EQ(frees, 1);
     EXPECT_EQ(freesUnderLock, 0);
 }
 
 TEST(TemperatureDestruction, SurvivesAMutexThatFails)
 {
-    const auto thermometer = std::make_shared<Thermometer>();
+    const auto thermometer = std::make_shared<PlainTemperatureControl>();
     {
         const SdkTemperatureControl control{handleTo<sdk::ITemperatureControl>(thermometer)};
         MutexProbe::failAfter(0);
     }
-    EXPECT_NE(thermometer->observer, nullptr) << "it could not detach";
+    EXPECT_NE(thermometer->attached, nullptr) << "it could not detach";
 }
 
 } // namespace

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <type_traits>
 
 namespace tarn::tests {
@@ -42,6 +43,13 @@ using Value = sdk::Completion<int>;
 std::string twice(int value)
 {
     return std::to_string(value) + std::to_string(value);
+}
+
+std::exception_ptr failure;
+
+int failing(int /*value*/)
+{
+    std::rethrow_exception(failure);
 }
 
 const ErrorCategory strange{"strange"};
@@ -208,6 +216,17 @@ TEST(Bridge, PassesAnExceptionOfTheRequestOnUnchanged)
         EXPECT_EQ(thrownBy([&] { std::ignore = awaitOrMessage<int>(throwing); }), exception);
         EXPECT_EQ(thrownBy([&] { std::ignore = awaitOrError<void, Error>(throwing); }), exception);
         EXPECT_EQ(thrownBy([&] { std::ignore = awaitSuccess(throwing); }), exception);
+    }
+}
+
+TEST(Bridge, PassesAnExceptionOfTheConversionToTheCallerOnWhateverThreadItIsMade)
+{
+    for (const auto& exception : anyExceptions()) {
+        failure = exception;
+        EXPECT_EQ(thrownBy([] { std::ignore = awaitOrMessage<int, failing>(completing(4, {})); }), exception);
+        std::jthread device;
+        const auto request = [&](const Value& done) { device = std::jthread{[done] { done(4, {}); }}; };
+        EXPECT_EQ(thrownBy([&] { std::ignore = awaitOrError<int, Error, failing>(request); }), exception);
     }
 }
 

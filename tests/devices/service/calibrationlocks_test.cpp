@@ -8,6 +8,7 @@
 #include <support/calibrationbench.h>
 #include <support/devicehandle.h>
 #include <support/mutexprobe.h>
+#include <support/plaincontrols.h>
 
 #include <gtest/gtest.h>
 
@@ -26,76 +27,6 @@ using devices::service::SdkCalibrationControlWatcher;
 using devices::service::SdkFactoryCorrectionControl;
 using devices::service::SdkSystemTermsControl;
 
-/// Mocks lock too, so these are plain.
-class Terms final : public sdk::service::ISystemTermsControl {
-public:
-    void addObserver(Observer* observer) override { attached = observer; }
-    void removeObserver(Observer* /*observer*/) override { }
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    std::uint32_t portCount() override { return 2; }
-    std::uint32_t maximumPointCount() override { return 1; }
-    void writeTerms(std::int64_t /*time*/, sdk::corrections::ErrorTerms /*terms*/, double /*temperature*/) override
-    {
-        ++writes;
-    }
-    bool isFrequencyOverrideSupported() override { return true; }
-    void writeTermsForPlan(std::int64_t /*time*/, sdk::FrequencyPlan /*plan*/, sdk::corrections::ErrorTerms /*terms*/,
-                           double /*temperature*/) override
-    {
-        ++writes;
-    }
-
-    Observer* attached = nullptr;
-    int writes = 0;
-};
-
-class Corrections final : public sdk::IFactoryCorrectionControl {
-public:
-    sdk::CorrectionFlag supportedCorrections() override { return all; }
-    sdk::CorrectionFlag validCorrections() override { return all; }
-    sdk::CorrectionFlag enabledCorrections() override { return all; }
-    sdk::CorrectionFlag modifiableCorrections() override { return all; }
-    void setEnabled(sdk::CorrectionFlag /*correction*/, bool /*enabled*/) override { }
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-
-private:
-    static constexpr auto all = static_cast<sdk::CorrectionFlag>(0xffff);
-};
-
-class Controller final : public sdk::service::calibrations::ICalibrationController {
-public:
-    void addObserver(Observer* /*observer*/) override { ++registrations; }
-    void removeObserver(Observer* /*observer*/) override { ++removals; }
-    std::vector<sdk::service::calibrations::ICalibrationUnit*> units() override { return {}; }
-
-    int registrations = 0;
-    int removals = 0;
-};
-
-class PlainIfsw final : public sdk::service::IVellIfswCalibrationControl {
-public:
-    void addObserver(Observer* observer) override { attached = observer; }
-    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    void saveCalibrationData(IfswCalibrationData /*data*/) override { }
-
-    Observer* attached = nullptr;
-};
-
-class PlainPower final : public sdk::service::IVellFactoryPowerCalibrationControl {
-public:
-    void addObserver(Observer* observer) override { attached = observer; }
-    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    void saveCalibrationData(std::int64_t /*time*/, std::vector<PowerCalPoint> /*points*/,
-                             double /*temperature*/) override
-    {
-    }
-
-    Observer* attached = nullptr;
-};
-
 struct TermsListener final : ISystemTermsControl::Observer {
     void onWriteStarted() override { ++heard; }
     void onWriteProgressChanged(std::uint32_t /*progress*/) override { ++heard; }
@@ -106,7 +37,7 @@ struct TermsListener final : ISystemTermsControl::Observer {
 
 class SystemTermsLocks : public testing::Test {
 protected:
-    const std::shared_ptr<Terms> terms = std::make_shared<Terms>();
+    const std::shared_ptr<PlainSystemTermsControl> terms = std::make_shared<PlainSystemTermsControl>();
     SdkSystemTermsControl control{handleTo<sdk::service::ISystemTermsControl>(terms)};
     TermsListener listener;
 };
@@ -152,7 +83,8 @@ TEST_F(SystemTermsLocks, AMutexThatFailsIsReportedToWhoeverLocksIt)
 
 TEST(FactoryCorrectionLocks, EveryQuestionLocksTheHandleOnceASwitchingThrice)
 {
-    SdkFactoryCorrectionControl control{handleTo<sdk::IFactoryCorrectionControl>(std::make_shared<Corrections>())};
+    SdkFactoryCorrectionControl control{
+        handleTo<sdk::IFactoryCorrectionControl>(std::make_shared<PlainFactoryCorrectionControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = control.isValid(FactoryCorrection::System); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = control.isEnabled(FactoryCorrection::System); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = control.isModifiable(FactoryCorrection::System); }), 1);
@@ -162,7 +94,7 @@ TEST(FactoryCorrectionLocks, EveryQuestionLocksTheHandleOnceASwitchingThrice)
 
 TEST(CalibrationControllerLocks, OnlyTheHandleIsLocked)
 {
-    const auto controller = std::make_shared<Controller>();
+    const auto controller = std::make_shared<PlainCalibrationController>();
     SdkCalibrationControlHandle handle{handleTo<sdk::service::calibrations::ICalibrationController>(controller)};
     EXPECT_EQ(locksOf([&] { std::ignore = handle.lock(); }), 1);
     SdkCalibrationControlWatcher watcher{handle};
@@ -176,11 +108,11 @@ template <class Calibration>
 struct Plain;
 template <>
 struct Plain<Ifsw> {
-    using Control = PlainIfsw;
+    using Control = PlainVellIfswCalibrationControl;
 };
 template <>
 struct Plain<Power> {
-    using Control = PlainPower;
+    using Control = PlainVellFactoryPowerCalibrationControl;
 };
 
 /// Locks of the map, and of the handle: one when there is a control, otherwise a second one that

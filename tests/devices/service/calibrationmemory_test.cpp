@@ -5,6 +5,7 @@
 
 #include <support/allocationprobe.h>
 #include <support/devicehandle.h>
+#include <support/plaincontrols.h>
 
 #include <gmock/gmock.h>
 
@@ -18,25 +19,6 @@ namespace tarn::tests {
 namespace {
 
 using testing::ElementsAre;
-
-class Ifsw final : public sdk::service::IVellIfswCalibrationControl {
-public:
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    void saveCalibrationData(IfswCalibrationData /*data*/) override { }
-};
-
-class Power final : public sdk::service::IVellFactoryPowerCalibrationControl {
-public:
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-    sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    void saveCalibrationData(std::int64_t /*time*/, std::vector<PowerCalPoint> /*points*/,
-                             double /*temperature*/) override
-    {
-    }
-};
 
 std::vector<std::size_t> blocks;
 
@@ -61,7 +43,7 @@ TEST(CalibrationMemory, EachReceiverGetsRoomForItsLinearitiesThenForItsRatiosAtO
     };
     Control::IfswCalibrationData data{std::vector<double>(AllocationProbe::large), receiver(count + 1, count + 2),
                                       receiver(count + 3, count + 4), receiver(count + 5, count + 6)};
-    Control control{handleTo<Sdk>(std::make_shared<Ifsw>())};
+    Control control{handleTo<Sdk>(std::make_shared<PlainVellIfswCalibrationControl>())};
 
     const auto allocated = allocatedBy([&] { control.saveCalibrationData(std::move(data)); });
     constexpr auto ratios = [](std::size_t length) { return length * sizeof(Sdk::IfswRatio); };
@@ -77,7 +59,7 @@ TEST(CalibrationMemory, ThePointsOfAPowerCalibrationGetTheirRoomAtOnce)
     using Control = devices::service::SdkVellFactoryPowerCalibrationControl;
     constexpr std::size_t count = AllocationProbe::large / sizeof(Sdk::PowerCalPoint) + 1;
     std::vector<Control::PowerCalPoint> points(count);
-    Control control{handleTo<Sdk>(std::make_shared<Power>())};
+    Control control{handleTo<Sdk>(std::make_shared<PlainVellFactoryPowerCalibrationControl>())};
 
     const auto allocated = allocatedBy([&] { control.saveCalibrationData({}, 0.0, std::move(points)); });
     EXPECT_THAT(allocated, ElementsAre(count * sizeof(Sdk::PowerCalPoint)));

@@ -56,7 +56,7 @@ struct DornSynthesis : Tuning<sdk::service::IDORNSynthesisControl, devices::serv
         using A = Adapter;
         return Operations{}
             .value("availableReferenceFrequencies", &A::availableReferenceFrequencies, {{3e6, 1e6, 2e6}, {}})
-            .value("currentReferenceFrequency", &A::currentReferenceFrequency, {1e7, 0.0, -1e-300})
+            .value("currentReferenceFrequency", &A::currentReferenceFrequency, anyNumbers())
             .writes("setReferenceFrequency(1.5)", [](A& a) { a.setReferenceFrequency(1.5); })
             .writes("setReferenceFrequency(-0.5)", [](A& a) { a.setReferenceFrequency(-0.5); });
     }

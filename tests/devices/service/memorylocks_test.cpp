@@ -7,13 +7,13 @@
 
 #include <support/devicehandle.h>
 #include <support/mutexprobe.h>
+#include <support/plaincontrols.h>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <system_error>
 #include <tuple>
-#include <vector>
 
 namespace tarn::tests {
 namespace {
@@ -24,49 +24,6 @@ using devices::service::SdkMemoryOperationsControl;
 using devices::service::SdkMemoryUsbId;
 using devices::service::SdkPotentiometersControl;
 using devices::service::SdkSerialNumberControl;
-using Image = std::vector<std::byte>;
-
-class Memory final : public sdk::service::IMemoryOperationsControl {
-public:
-    bool isAvailable() override { return true; }
-    void read(sdk::Completion<Image> completion) override { completion({}, {}); }
-    void write(Image /*image*/, sdk::Completion<> completion) override { completion({}); }
-    void erase(sdk::Completion<> completion) override { completion({}); }
-    void integrityCheck(sdk::Completion<> completion) override { completion({}); }
-    void addObserver(IObserver* observer) override { attached = observer; }
-    void removeObserver(IObserver* /*observer*/) override { }
-
-    IObserver* attached = nullptr;
-};
-
-class SerialNumber final : public sdk::service::IMemorySerialNumberControl {
-public:
-    bool isAvailable() override { return true; }
-    void serialNumber(sdk::Completion<unsigned int> completion) override { completion(1, {}); }
-    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> completion) override { completion({}); }
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-};
-
-class Potentiometers final : public sdk::service::IPotentiometersControl {
-public:
-    bool isAvailable() override { return true; }
-    std::vector<Potentiometer> potentiometers() override { return {}; }
-    void readFromEeprom(unsigned long /*index*/, sdk::Completion<int> completion) override { completion(1, {}); }
-    void writeToRam(unsigned long /*index*/, int /*value*/, sdk::Completion<> completion) override { completion({}); }
-    void writeToEeprom(unsigned long /*index*/, int /*value*/, sdk::Completion<> completion) override
-    {
-        completion({});
-    }
-};
-
-class Identity final : public sdk::service::IMemoryUsbIdControl {
-public:
-    bool isAvailable() override { return true; }
-    DeviceRecord currentDevice() override { return {{}, sdk::Model{"a"}, 1, {}}; }
-    std::vector<DeviceRecord> supportedDevices() override { return {}; }
-    void writeUsbId(const UsbId& /*usbId*/, sdk::Completion<> completion) override { completion({}); }
-};
 
 struct Listener final : IMemoryOperationsControl::IObserver {
     void onWriteProgressChanged(const Progress& /*progress*/) override { ++heard; }
@@ -78,7 +35,8 @@ struct Listener final : IMemoryOperationsControl::IObserver {
 
 TEST(MemoryLocks, EveryRequestLocksTheHandleAlone)
 {
-    SdkMemoryOperationsControl memory{handleTo<sdk::service::IMemoryOperationsControl>(std::make_shared<Memory>())};
+    SdkMemoryOperationsControl memory{
+        handleTo<sdk::service::IMemoryOperationsControl>(std::make_shared<PlainMemoryOperationsControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = memory.read(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = memory.write({}); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = memory.erase(); }), 1);
@@ -86,18 +44,19 @@ TEST(MemoryLocks, EveryRequestLocksTheHandleAlone)
     EXPECT_EQ(locksOf([&] { memory.onControlsAvailable(); }), 1);
     EXPECT_EQ(locksOf([&] { memory.onControlsAboutToBeReleased(); }), 1);
 
-    SdkSerialNumberControl number{handleTo<sdk::service::IMemorySerialNumberControl>(std::make_shared<SerialNumber>())};
+    SdkSerialNumberControl number{
+        handleTo<sdk::service::IMemorySerialNumberControl>(std::make_shared<PlainMemorySerialNumberControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = number.serialNumber(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = number.writeSerialNumber(1); }), 1);
 
     SdkPotentiometersControl potentiometers{
-        handleTo<sdk::service::IPotentiometersControl>(std::make_shared<Potentiometers>())};
+        handleTo<sdk::service::IPotentiometersControl>(std::make_shared<PlainPotentiometersControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = potentiometers.potentiometers(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = potentiometers.readFromEeprom(0); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = potentiometers.writeToRam(0, 1); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = potentiometers.writeToEeprom(0, 1); }), 1);
 
-    SdkMemoryUsbId identity{handleTo<sdk::service::IMemoryUsbIdControl>(std::make_shared<Identity>())};
+    SdkMemoryUsbId identity{handleTo<sdk::service::IMemoryUsbIdControl>(std::make_shared<PlainMemoryUsbIdControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = identity.currentDeviceProperties(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = identity.supportedDevices(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = identity.writeUsbId({}); }), 1);
@@ -105,7 +64,7 @@ TEST(MemoryLocks, EveryRequestLocksTheHandleAlone)
 
 class MemoryObserverLocks : public testing::Test {
 protected:
-    std::shared_ptr<Memory> memory = std::make_shared<Memory>();
+    std::shared_ptr<PlainMemoryOperationsControl> memory = std::make_shared<PlainMemoryOperationsControl>();
     SdkMemoryOperationsControl control{handleTo<sdk::service::IMemoryOperationsControl>(memory)};
     Listener listener;
 };
@@ -135,7 +94,7 @@ TEST_F(MemoryObserverLocks, AMutexThatFailsIsReportedToWhoeverLocksIt)
 
 TEST(MemoryLocks, AMutexThatFailsDoesNotStopADestruction)
 {
-    const auto memory = std::make_shared<Memory>();
+    const auto memory = std::make_shared<PlainMemoryOperationsControl>();
     auto control
         = std::make_unique<SdkMemoryOperationsControl>(handleTo<sdk::service::IMemoryOperationsControl>(memory));
     MutexProbe::failAfter(0);

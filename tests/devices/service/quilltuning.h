@@ -25,8 +25,8 @@ struct QuillPower
             .value("maxPowerCode", &A::maxPowerCode, {7, 0, 255})
             .mode<Sdk::SyntPowerMode>("syntPowerMode", &A::syntPowerMode, &A::setSyntPowerMode, oneOrZero)
             .mode<Sdk::AttenuationMode>("attenuationMode", &A::attenuationMode, &A::setAttenuationMode, oneOrZero)
-            .value("attenuationStep", &A::attenuationStep, &A::setAttenuationStep, {3, 0, -1, 1'000'000})
-            .value("defaultAttenuationStep", &A::defaultAttenuationStep, {3, 0, -1, 1'000'000})
+            .value("attenuationStep", &A::attenuationStep, &A::setAttenuationStep, anyIntegers())
+            .value("defaultAttenuationStep", &A::defaultAttenuationStep, anyIntegers())
             .mode<Sdk::StepAttenuatorMode>("stepAttenuatorMode", &A::stepAttenuatorMode, &A::setStepAttenuatorMode,
                                            oneToThreeOrZero)
             .value("discreteAttenuatorEnabled", &A::discreteAttenuatorEnabled, &A::enableDiscreteAttenuator,
@@ -35,8 +35,7 @@ struct QuillPower
                                                &A::setDiscreteAttenuatorMode, oneOrZero)
             .mode<Sdk::CommonAttenuationMode>("commonAttenuationMode", &A::commonAttenuationMode,
                                               &A::setCommonAttenuationMode, oneOrZero)
-            .value("commonAttenuationStep", &A::commonAttenuationStep, &A::setCommonAttenuationStep,
-                   {3, 0, -1, 1'000'000})
+            .value("commonAttenuationStep", &A::commonAttenuationStep, &A::setCommonAttenuationStep, anyIntegers())
             .mode<Sdk::AmpGain>("ampTPort1", &A::ampTPort1, &A::setAmpTPort1, oneOrZero)
             .mode<Sdk::AmpGain>("ampTPort2", &A::ampTPort2, &A::setAmpTPort2, oneOrZero)
             .mode<Sdk::AmpGain>("ampRPort1", &A::ampRPort1, &A::setAmpRPort1, oneOrZero)
@@ -56,11 +55,11 @@ struct QuillSynthesis : Tuning<sdk::service::IQuillSynthesisControl, devices::se
         return Operations{}
             .value("loLeakageMode", &A::loLeakageMode, &A::setLoLeakageMode, {true, false})
             .value("manualIfEnabled", &A::manualIfEnabled, &A::enableManualIf, {true, false})
-            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, {3, 0, -1, 1'000'000})
+            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, anyIntegers())
             .reads("supportedIfs()", &A::supportedIfs, frequencyLists())
-            .value("filter1Frequency", &A::filter1Frequency, &A::setFilter1Frequency, {1.5e9, 0.0, -1e-300})
+            .value("filter1Frequency", &A::filter1Frequency, &A::setFilter1Frequency, anyNumbers())
             .value("manualRefEnabled", &A::manualRefEnabled, &A::enableManualRef, {true, false})
-            .value("selectedRef", &A::selectedRef, &A::setSelectedRef, {3, 0, -1, 1'000'000})
+            .value("selectedRef", &A::selectedRef, &A::setSelectedRef, anyIntegers())
             .reads("supportedRefs()", &A::supportedRefs, frequencyLists())
             .writes("reset()", &A::reset);
     }

@@ -40,11 +40,11 @@ struct SablePower : Tuning<sdk::service::ISablePowerModuleControl, devices::serv
             .value("rfDac", &A::rfDac, &A::setRfDac, {7, 0, 65535})
             .value("splitDac", &A::splitDac, &A::setSplitDac, {7, 0, 65535})
             .value("splitDds", &A::splitDds, &A::setSplitDds, {7, 0, 65535})
-            .value("attenuation", &A::attenuationDb, &A::setAttenuationDb, {12.5, 0.0, -1e-300})
+            .value("attenuation", &A::attenuationDb, &A::setAttenuationDb, anyNumbers())
             .value("attenuationStep", &A::attenuationStep, &A::setAttenuationStep, {7, 0, 65535})
             .value("discreteAttenuatorEnabled", &A::discreteAttenuatorEnabled, &A::enableDiscreteAttenuator,
                    {true, false})
-            .value("squarePatternStep", &A::squarePatternStep, &A::setSquarePatternStep, {12.5, 0.0, -1e-300})
+            .value("squarePatternStep", &A::squarePatternStep, &A::setSquarePatternStep, anyNumbers())
             .mode<Sdk::DdsCorrectionMode>("ddsCorrectionMode", &A::ddsCorrectionMode, &A::setDdsCorrectionMode,
                                           zeroOrOne)
             .value("ddsCorrectionEnabled", &A::ddsCorrectionEnabled, &A::enableDdsCorrection, {true, false})
@@ -91,7 +91,7 @@ struct SableSynthesis : Tuning<sdk::service::ISableSynthesisControl, devices::se
             .writes("setRfPowerRangeFrequency(-3, 2.5)", [](A& a) { a.setRfPowerRangeFrequency(-3, 2.5); })
             .writes("setRfPowerRangePower(1000, 250)", [](A& a) { a.setRfPowerRangePower(1000, 250); })
             .mode<Sdk::IfMode>("ifMode", &A::ifMode, &A::setIfMode, upTo<1>)
-            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, {3, 0, -1, 1'000'000})
+            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, anyIntegers())
             .reads("supportedIfs()", &A::supportedIfs, frequencyLists())
             .reads(
                 "capacitanceMode(1)", [](const A& a) { return a.capacitanceMode(A::Capacitor{7}); },
@@ -121,9 +121,9 @@ struct SableSynthesis : Tuning<sdk::service::ISableSynthesisControl, devices::se
                 "rfFilterFrom(1)", [](const A& a) { return a.rfFilterFrom(A::RfFilter::Second); }, froms)
             .writesMode<A::RfFilter>("setRfFilterFrom(", ", 2.5)", upTo<3>,
                                      [](A& a, A::RfFilter filter) { a.setRfFilterFrom(filter, 2.5); })
-            .value("ddsSwitchFreq", &A::ddsSwitchFreq, &A::setDdsSwitchFreq, {1.5e9, 0.0, -1e-300})
+            .value("ddsSwitchFreq", &A::ddsSwitchFreq, &A::setDdsSwitchFreq, anyNumbers())
             .mode<Sdk::DelayMode>("delayMode", &A::delayMode, &A::setDelayMode, upTo<1>)
-            .value("measureDelay", &A::measureDelay, &A::setMeasureDelay, {1.5e-3, 0.0, -1e-300});
+            .value("measureDelay", &A::measureDelay, &A::setMeasureDelay, anyNumbers());
     }
 };
 

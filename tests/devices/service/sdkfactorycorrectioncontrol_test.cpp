@@ -3,6 +3,7 @@
 #include <devices/icontrollifecycleobserver.h>
 #include <support/adaptercontract.h>
 #include <support/devicehandle.h>
+#include <support/exceptions.h>
 #include <support/mockfactorycorrectioncontrol.h>
 #include <support/virtualslot.h>
 

@@ -3,6 +3,7 @@
 #include "temperaturebench.h"
 
 #include <support/adaptercontract.h>
+#include <support/exceptions.h>
 #include <support/mocktemperaturecontrol.h>
 #include <support/virtualslot.h>
 

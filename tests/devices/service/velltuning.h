@@ -16,7 +16,7 @@ struct VellSynthesis : Tuning<sdk::service::IVellSynthesisControl, devices::serv
         using A = Adapter;
         return Operations{}
             .value("manualIfEnabled", &A::manualIfEnabled, &A::enableManualIf, {true, false})
-            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, {3, 0, -1, 1'000'000})
+            .value("selectedIf", &A::selectedIf, &A::setSelectedIf, anyIntegers())
             .reads("supportedIfs()", &A::supportedIfs, frequencyLists());
     }
 };
