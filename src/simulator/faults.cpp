@@ -33,21 +33,46 @@ void Faults::setPlan(const FaultPlan& plan)
     m_longOperations = 0;
 }
 
+void Faults::setArbiter(Arbiter arbiter)
+{
+    m_arbiter = std::move(arbiter);
+}
+
 Faults::Decision Faults::nextCall()
 {
-    const utils::MutexLock lock{m_mutex};
-    return next();
+    return decide(&Faults::next);
 }
 
 Faults::Decision Faults::nextRequest()
 {
-    const utils::MutexLock lock{m_mutex};
-    return request();
+    return decide(&Faults::request);
 }
 
 Faults::Decision Faults::nextLongOperation()
 {
+    return decide(&Faults::longOperation);
+}
+
+bool Faults::isWriteProtected() const
+{
     const utils::MutexLock lock{m_mutex};
+    return m_plan.writeProtect;
+}
+
+Faults::Decision Faults::decide(Decision (Faults::*plan)())
+{
+    Decision decision;
+    {
+        const utils::MutexLock lock{m_mutex};
+        decision = (this->*plan)();
+    }
+    if (m_arbiter)
+        m_arbiter(decision);
+    return decision;
+}
+
+Faults::Decision Faults::longOperation()
+{
     auto decision = request();
     ++m_longOperations;
     if (isDue(m_longOperations, m_plan.powerLossEvery))
@@ -55,12 +80,6 @@ Faults::Decision Faults::nextLongOperation()
     else if (isDue(m_longOperations, m_plan.unplugEvery))
         decision.interruption = Error::Disconnected;
     return decision;
-}
-
-bool Faults::isWriteProtected() const
-{
-    const utils::MutexLock lock{m_mutex};
-    return m_plan.writeProtect;
 }
 
 Faults::Decision Faults::request()

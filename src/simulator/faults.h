@@ -6,6 +6,7 @@
 #include <utils/mutex.h>
 
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -62,6 +63,11 @@ public:
         std::error_code interruption; ///< `PowerLoss` or `Disconnected` in the middle; value 0: none
     };
 
+    /// Has the last word on what goes wrong with an operation: called on the thread that makes the operation, with no
+    /// lock held. To be set before there is one.
+    using Arbiter = std::function<void(Decision&)>;
+    void setArbiter(Arbiter arbiter);
+
     [[nodiscard]] Decision nextCall();
     [[nodiscard]] Decision nextRequest();
     [[nodiscard]] Decision nextLongOperation();
@@ -70,10 +76,13 @@ public:
     [[nodiscard]] bool isWriteProtected() const;
 
 private:
+    [[nodiscard]] Decision decide(Decision (Faults::*plan)());
+    [[nodiscard]] Decision longOperation() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision next() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision request() TARN_REQUIRES(m_mutex);
     [[nodiscard]] bool happens(double chance) TARN_REQUIRES(m_mutex);
 
+    Arbiter m_arbiter;
     mutable utils::Mutex m_mutex;
     FaultPlan m_plan TARN_GUARDED_BY(m_mutex);
     std::mt19937_64 m_random TARN_GUARDED_BY(m_mutex);
