@@ -148,6 +148,7 @@ private:
         } catch (const std::exception& reason) {
             m_ledger.note(Breach::Lost, record.name + ": threw \"" + reason.what() + "\" instead of its answer");
         }
+        ticket.close();
         const bool isDone = settle(m_ledger, ticket, record);
 
         if (isWrite) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 namespace tarn::soak {
 
@@ -43,8 +44,11 @@ public:
     /// The device was asked for a control and gave `answer`.
     void onAsked(const std::shared_ptr<void>& answer)
     {
+        settleLastAnswer();
         ++asks;
         refusals += answer ? 0U : 1U;
+        m_unused = answer;
+        m_isUnused = answer != nullptr;
         if (!m_lastHandle)
             return;
         needlessAsks += m_lastHandle->expired() ? 0U : 1U;
@@ -56,6 +60,7 @@ public:
     {
         if (m_mishap.trouble == Trouble::Fails)
             decision.failure = simulator::Error::Io;
+        m_isUnused = false;
         if (++operations != 1)
             return;
         decision.throws = m_mishap.trouble == Trouble::Throws;
@@ -64,21 +69,28 @@ public:
         decision.delay = m_mishap.delay;
     }
 
+    /// The operation has returned.
+    void close() { settleLastAnswer(); }
+
     [[nodiscard]] Trouble trouble() const { return m_mishap.trouble; }
 
     /// The control was used without having been asked for, although the handle had expired.
     [[nodiscard]] bool isAskMissing() const { return m_mustAsk && asks == 0; }
 
     unsigned asks = 0;
-    unsigned refusals = 0; ///< asks that were answered with nothing
+    unsigned refusals = 0; ///< asks that were answered with nothing, or with a control that was dropped before its use
     unsigned needlessAsks = 0; ///< asks while the handle was alive
     unsigned operations = 0;
     unsigned emissions = 0;
 
 private:
+    void settleLastAnswer() { refusals += std::exchange(m_isUnused, false) && m_unused.expired() ? 1U : 0U; }
+
     const Mishap m_mishap;
     std::weak_ptr<void>* const m_lastHandle;
     const bool m_mustAsk;
+    std::weak_ptr<void> m_unused; ///< the last answer, if nothing has been done with it yet
+    bool m_isUnused = false;
     static inline thread_local Ticket* s_current = nullptr;
 };
 
