@@ -77,7 +77,7 @@ public:
         , m_observation{instrument, *m_shared, Row::name, threads}
     {
         for (std::size_t i = 0; i != (Row::place.isPerThread ? threads : 1); ++i)
-            m_cells.emplace_back(Row::place.range, Row::place.lag);
+            m_cells.emplace_back(Row::place.range);
         for (std::size_t i = 0; i != threads; ++i) {
             m_own.push_back(instrument.template create<Control>(Row::registryKey));
             m_handles.emplace_back(instrument.device->control(Row::sdkKey));

@@ -91,13 +91,14 @@ Operations<Potentiometers::Control> Potentiometers::operations()
     };
 }
 
+/// What was written counts from the next offer on, so the one that is current says nothing.
 Operations<UsbIdentity::Control> UsbIdentity::operations()
 {
     return {
-        {"currentDeviceProperties", Way::Call, Role::Reads,
+        {"currentDeviceProperties", Way::Call, Role::Neither,
          [](Control& control, const Use&) {
-             const auto product = control.currentDeviceProperties().usbId.productId;
-             return Answer{.isSuccess = {}, .number = std::uint64_t{product} - vell(0).productId};
+             static_cast<void>(control.currentDeviceProperties());
+             return Answer{};
          }},
         {"writeUsbId", Way::Request, Role::Writes,
          [](Control& control, const Use& use) {
@@ -109,6 +110,12 @@ Operations<UsbIdentity::Control> UsbIdentity::operations()
              return Answer{};
          }},
     };
+}
+
+std::uint64_t UsbIdentity::stored(simulator::SimulatedVna& vna)
+{
+    const auto product = vna.control<Sdk>(Sdk::key)->currentDevice().usbId.productId;
+    return std::uint64_t{product} - vell(0).productId;
 }
 
 Operations<SerialNumber::Control> SerialNumber::operations()

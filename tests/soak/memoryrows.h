@@ -106,12 +106,14 @@ struct Potentiometers {
 
 struct UsbIdentity {
     using Control = devices::service::IUsbIdControl;
+    using Sdk = sdk::service::IMemoryUsbIdControl;
     using Observation = NoObservation;
     static constexpr auto name = "USB identity";
     static constexpr auto registryKey = Control::registryKey;
-    static constexpr auto sdkKey = sdk::service::IMemoryUsbIdControl::key;
-    static constexpr Place place{.range = 9, .lag = 2}; ///< what was written counts from the next offer on
+    static constexpr auto sdkKey = Sdk::key;
+    static constexpr Place place{.range = 9};
     static Operations<Control> operations();
+    static std::uint64_t stored(simulator::SimulatedVna& vna);
 };
 
 struct SerialNumber {

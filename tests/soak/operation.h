@@ -76,7 +76,6 @@ using Operations = std::vector<Operation<Control>>;
 /// The place of a control's numbers.
 struct Place {
     std::uint64_t range = 1; ///< how many of them can be told apart
-    std::uint64_t lag = 0;
     bool isPerThread = false; ///< whether each thread has one of its own
 };
 

@@ -72,9 +72,10 @@ void Stream::beginAdding(Listener& listener, Listener::Promise promise)
     listener.m_isRemoved = false;
 }
 
+/// The notification after the last one may be on its way already, to those who were there before.
 void Stream::endAdding(Listener& listener)
 {
-    listener.m_promised = m_issued + 1;
+    listener.m_promised = m_issued + 2;
 }
 
 void Stream::beginRemoving(Listener& listener)
