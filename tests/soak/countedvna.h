@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ledger.h"
 #include "ticket.h"
 
 #include <sdk/ivna.h>
@@ -15,12 +14,12 @@
 
 namespace tarn::soak {
 
-/// The device, with a note of every control that was asked for and of those that are still alive. Thread-safe.
+/// The device, which tells the ticket of a thread what that asks for, and knows which of the controls that it has
+/// handed out are alive. Thread-safe.
 class CountedVna final : public sdk::IVna {
 public:
-    CountedVna(std::shared_ptr<sdk::IVna> device, Ledger& ledger)
+    explicit CountedVna(std::shared_ptr<sdk::IVna> device)
         : m_device{std::move(device)}
-        , m_ledger{ledger}
     {
     }
 
@@ -29,7 +28,6 @@ public:
     std::shared_ptr<void> control(sdk::Key key) override
     {
         auto control = m_device->control(key);
-        ++m_ledger.asks;
         if (auto* const ticket = Ticket::current())
             ticket->onAsked(control);
         if (control)
@@ -65,7 +63,6 @@ private:
     }
 
     const std::shared_ptr<sdk::IVna> m_device;
-    Ledger& m_ledger;
     utils::Mutex m_mutex;
     std::unordered_map<sdk::Key, std::vector<std::weak_ptr<void>>> m_handedOut TARN_GUARDED_BY(m_mutex);
 };

@@ -37,6 +37,8 @@ public:
     Exercise& operator=(const Exercise&) = delete;
     virtual ~Exercise() = default;
 
+    [[nodiscard]] virtual const char* name() const = 0;
+
     /// Adds the observers that stay until the end.
     virtual void begin() = 0;
 
@@ -85,6 +87,8 @@ public:
         }
         watchSignals(*m_shared);
     }
+
+    [[nodiscard]] const char* name() const override { return Row::name; }
 
     void begin() override { m_observation.begin(); }
 

@@ -26,7 +26,7 @@ Instrument::Instrument(Ledger& theLedger)
     : ledger{theLedger}
     , m_simulated{std::make_shared<simulator::SimulatedVna>(settings(theLedger.seed()), std::make_shared<QuickClock>(),
                                                             std::make_unique<simulator::NoStorage>())}
-    , device{std::make_shared<CountedVna>(m_simulated, theLedger)}
+    , device{std::make_shared<CountedVna>(m_simulated)}
 {
     devices::service::servicecontrols::registrate(&m_registry);
     m_simulated->faults().setArbiter([](simulator::Faults::Decision& decision) {

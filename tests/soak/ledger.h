@@ -32,7 +32,6 @@ public:
     std::atomic<std::uint64_t> cycles = 0; ///< drops that were followed by an offer
     std::atomic<std::uint64_t> calls = 0; ///< operations that reached the instrument
     std::atomic<std::uint64_t> notifications = 0; ///< that reached an observer
-    std::atomic<std::uint64_t> asks = 0; ///< for a control
 
 private:
     static constexpr int toldAtMost = 20;

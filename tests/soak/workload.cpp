@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <iostream>
 #include <random>
+#include <string>
 #include <thread>
 
 namespace tarn::soak {
@@ -51,28 +53,19 @@ void Workload::run(unsigned phase, const std::function<bool()>& isEnough)
 {
     for (const auto& exercise : m_exercises)
         exercise->begin();
+    for (auto& doing : m_doing)
+        doing = m_exercises.front().get();
     m_isOver = false;
     {
         std::vector<std::jthread> threads;
         threads.emplace_back([this] { comeAndGo(); });
         for (std::size_t thread = 0; thread != m_options.threads; ++thread)
             threads.emplace_back([this, thread, phase] { use(thread, phase); });
-        waitFor("the run", isEnough);
+        waitFor(isEnough);
         m_isOver = true;
-        threads.clear();
+        waitFor([this] { return std::ranges::all_of(m_doing, [](const auto& doing) { return !doing; }); });
     }
-    m_instrument.simulated().offer();
-    waitFor("the end of what was begun", [this] {
-        return std::ranges::all_of(m_exercises, [](const auto& exercise) { return exercise->isAtRest(); });
-    });
-    m_instrument.simulated().waitUntilIdle();
-    for (const auto& exercise : m_exercises)
-        exercise->end();
-    m_instrument.simulated().drop();
-    m_instrument.simulated().waitUntilIdle();
-    if (const auto live = m_instrument.device->liveControls())
-        m_instrument.ledger.note(Breach::Leaked, std::to_string(live) + " controls that the instrument has dropped",
-                                 live);
+    rest();
 }
 
 void Workload::use(std::size_t thread, unsigned phase)
@@ -80,9 +73,11 @@ void Workload::use(std::size_t thread, unsigned phase)
     Decisions decisions{m_options.seed, thread, phase};
     while (!m_isOver) {
         auto& exercise = *m_exercises[decisions.pick(m_exercises.size())];
+        m_doing[thread] = &exercise;
         exercise.perform(decisions.next(thread));
         ++m_steps;
     }
+    m_doing[thread] = nullptr;
 }
 
 void Workload::comeAndGo()
@@ -93,22 +88,51 @@ void Workload::comeAndGo()
     }
 }
 
-/// Ends the program if nothing has moved for a long time.
-void Workload::waitFor(const char* what, const std::function<bool()>& isTrue)
+/// Gives up if no thread has made a step for a long time.
+void Workload::waitFor(const std::function<bool()>& isTrue)
 {
-    const auto moved = [this] { return m_steps + m_instrument.ledger.notifications; };
-    auto last = moved();
+    auto steps = m_steps.load();
     auto deadline = std::chrono::steady_clock::now() + patience;
     while (!isTrue()) {
         std::this_thread::sleep_for(10ms);
-        if (const auto now = moved(); now != last) {
-            last = now;
+        if (const auto now = m_steps.load(); now != steps) {
+            steps = now;
             deadline = std::chrono::steady_clock::now() + patience;
         } else if (std::chrono::steady_clock::now() > deadline) {
-            m_instrument.ledger.note(Breach::Lost, std::string{"nothing has moved for a minute: "} + what + " hangs");
-            std::_Exit(EXIT_FAILURE);
+            giveUp();
         }
     }
+}
+
+/// Says who hangs and ends the program, as nothing can be taken apart any more.
+void Workload::giveUp()
+{
+    for (std::size_t thread = 0; thread != m_doing.size(); ++thread) {
+        if (const auto* const exercise = m_doing[thread].load())
+            m_instrument.ledger.note(Breach::Lost,
+                                     std::string{exercise->name()} + ": thread " + std::to_string(thread)
+                                         + " has been waiting in there for a minute");
+    }
+    std::cout << m_instrument.ledger.summary() << std::endl;
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// Brings everything to rest, and looks at what is left.
+void Workload::rest()
+{
+    auto& simulated = m_instrument.simulated();
+    simulated.offer();
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto isAtRest = [](const auto& exercise) { return exercise->isAtRest(); };
+    while (!std::ranges::all_of(m_exercises, isAtRest) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(10ms);
+    simulated.waitUntilIdle();
+    for (const auto& exercise : m_exercises)
+        exercise->end();
+    simulated.drop();
+    simulated.waitUntilIdle();
+    if (const auto live = m_instrument.device->liveControls())
+        m_instrument.ledger.note(Breach::Leaked, std::to_string(live) + " controls that were dropped are alive", live);
 }
 
 } // namespace tarn::soak

@@ -3,6 +3,8 @@
 #include "options.h"
 #include "table.h"
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 
 namespace tarn::soak {
@@ -14,6 +16,7 @@ public:
         : m_instrument{instrument}
         , m_exercises{exercises}
         , m_options{options}
+        , m_doing(options.threads)
     {
     }
 
@@ -24,13 +27,16 @@ public:
 private:
     void use(std::size_t thread, unsigned phase);
     void comeAndGo();
-    void waitFor(const char* what, const std::function<bool()>& isTrue);
+    void waitFor(const std::function<bool()>& isTrue);
+    void rest();
+    [[noreturn]] void giveUp();
 
     Instrument& m_instrument;
     const std::vector<std::unique_ptr<Exercise>>& m_exercises;
     const Options& m_options;
     std::atomic<bool> m_isOver = false;
     std::atomic<std::uint64_t> m_steps = 0;
+    std::vector<std::atomic<const Exercise*>> m_doing; ///< what each thread uses; null: it has ended
 };
 
 } // namespace tarn::soak
