@@ -33,7 +33,7 @@ public:
         const bool throws = oneIn(32);
         const bool fails = oneIn(16);
         choice.mishap.trouble = throws ? Trouble::Throws : fails ? Trouble::Fails : Trouble::None;
-        choice.mishap.drops = oneIn(4);
+        choice.mishap.drops = oneIn(2);
         choice.mishap.dropFor = simulator::Duration{10ms} * (oneIn(16) ? 1 : 0);
         choice.mishap.delay = simulator::Duration{20ms} * (oneIn(256) ? 1 : 0);
         return choice;
