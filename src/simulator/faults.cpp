@@ -41,6 +41,11 @@ void Faults::endHanging()
     letGo();
 }
 
+void Faults::setArbiter(Arbiter arbiter)
+{
+    m_arbiter = std::move(arbiter);
+}
+
 Faults::Decision Faults::nextCall()
 {
     return decide(&Faults::next);
@@ -64,11 +69,16 @@ bool Faults::isWriteProtected() const
 
 Faults::Decision Faults::decide(Decision (Faults::*decision)())
 {
-    const utils::MutexLock lock{m_mutex};
-    const auto decided = (this->*decision)();
-    const auto released = m_released;
-    while (decided.hangs && m_released == released)
-        m_hanging.wait(m_mutex);
+    Decision decided;
+    {
+        const utils::MutexLock lock{m_mutex};
+        decided = (this->*decision)();
+        const auto released = m_released;
+        while (decided.hangs && m_released == released)
+            m_hanging.wait(m_mutex);
+    }
+    if (m_arbiter)
+        m_arbiter(decided);
     return decided;
 }
 

@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <stdexcept>
 #include <system_error>
@@ -73,6 +74,11 @@ public:
         Duration lateness{}; ///< of a completion that is called late
     };
 
+    /// Has the last word on what goes wrong with an operation: called on the thread that makes the operation, with no
+    /// lock held. To be set before there is one.
+    using Arbiter = std::function<void(Decision&)>;
+    void setArbiter(Arbiter arbiter);
+
     // An operation that hangs waits here.
 
     [[nodiscard]] Decision nextCall();
@@ -90,6 +96,7 @@ private:
     void letGo() TARN_REQUIRES(m_mutex);
     [[nodiscard]] bool happens(double chance) TARN_REQUIRES(m_mutex);
 
+    Arbiter m_arbiter;
     mutable utils::Mutex m_mutex;
     FaultPlan m_plan TARN_GUARDED_BY(m_mutex);
     std::mt19937_64 m_random TARN_GUARDED_BY(m_mutex);

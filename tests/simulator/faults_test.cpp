@@ -138,6 +138,25 @@ TEST(FaultsTest, FailsTheNextRequestOnce)
     EXPECT_EQ(faults.nextRequest().failure.value(), 0);
 }
 
+TEST(FaultsTest, LetsAnArbiterHaveTheLastWordOnEveryOperation)
+{
+    FaultPlan plan;
+    plan.throwEvery = 2;
+    Faults faults{plan, 0};
+    std::vector<bool> planned;
+    faults.setArbiter([&](Faults::Decision& decision) {
+        planned.push_back(decision.throws);
+        decision.throws = false;
+        decision.delay = 7ms;
+        EXPECT_FALSE(faults.isWriteProtected()); // no lock is held
+    });
+    for (const auto& decision : {faults.nextCall(), faults.nextRequest(), faults.nextLongOperation()}) {
+        EXPECT_FALSE(decision.throws);
+        EXPECT_EQ(decision.delay, 7ms);
+    }
+    EXPECT_THAT(planned, ElementsAre(false, true, false));
+}
+
 TEST(FaultsTest, CountsAnewWithANewPlan)
 {
     FaultPlan plan;

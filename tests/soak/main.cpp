@@ -1,0 +1,54 @@
+#include "footprint.h"
+#include "options.h"
+#include "workload.h"
+
+#include <QCoreApplication>
+
+#include <chrono>
+#include <iostream>
+
+namespace {
+
+using namespace tarn::soak;
+
+int soak(const Options& options)
+{
+    Ledger ledger{options.seed};
+    const auto instrument = makeInstrument(ledger);
+    {
+        const auto exercises = makeExercises(*instrument, options.threads);
+        instrument->simulated().drop();
+        instrument->simulated().offer();
+        Workload workload{*instrument, exercises, options};
+
+        using Clock = std::chrono::steady_clock;
+        const auto start = Clock::now();
+        const auto until = [&](unsigned tenths) {
+            return [&, tenths] {
+                return options.cycles != 0 ? ledger.cycles * 10 >= options.cycles * tenths
+                                           : (Clock::now() - start) * 10 >= options.time * tenths;
+            };
+        };
+        workload.run(0, until(1));
+        const auto warm = footprint();
+        instrument->simulated().offer();
+        workload.run(1, until(10));
+        compare(ledger, warm, footprint());
+    }
+    std::cout << ledger.summary() << '\n';
+    return ledger.isClean() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    try {
+        const auto options = parse({argv + 1, static_cast<std::size_t>(argc) - 1});
+        const QCoreApplication application{argc, argv};
+        return soak(options);
+    } catch (const BadOption& reason) {
+        std::cerr << "soak: " << reason.what() << '\n';
+        return 2;
+    }
+}

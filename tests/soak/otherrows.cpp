@@ -1,0 +1,80 @@
+#include "otherrows.h"
+
+#include <optional>
+
+namespace tarn::soak {
+
+namespace {
+
+constexpr auto switched = devices::FactoryCorrection::Crosstalk;
+
+/// What a notification of a switch says, as one number.
+std::uint64_t switchValue(std::optional<devices::FactoryCorrection> correction, bool enabled)
+{
+    return correction ? 2 * static_cast<std::uint64_t>(*correction) + (enabled ? 1 : 0) : 0;
+}
+
+} // namespace
+
+void CorrectionsObservation::Witness::onEnabledChanged(sdk::CorrectionFlag correction, bool enabled)
+{
+    tell(2, switchValue(devices::fromSdkCorrection(correction), enabled));
+}
+
+void CorrectionsObservation::Observer::onEnabledChanged(devices::FactoryCorrection correction, bool enabled)
+{
+    hear(2, switchValue(correction, enabled));
+}
+
+Operations<FactoryCorrections::Control> FactoryCorrections::operations()
+{
+    return {
+        {"isEnabled", Way::Call, Role::Reads,
+         [](Control& control, const Use&) {
+             return Answer{.isSuccess = {}, .number = control.isEnabled(switched) ? 1U : 0U};
+         }},
+        {"setEnabled", Way::Call, Role::Writes,
+         [](Control& control, const Use& use) {
+             control.setEnabled(switched, use.number % place.range != 0);
+             return Answer{};
+         },
+         3},
+        {"supported", Way::Call, Role::Neither,
+         [](Control& control, const Use&) {
+             static_cast<void>(control.supported());
+             return Answer{};
+         }},
+    };
+}
+
+void TemperatureObservation::Witness::onTemperatureChanged()
+{
+    tell(0, std::bit_cast<std::uint64_t>(double{control->temperature()}));
+}
+
+std::shared_ptr<void> TemperatureObservation::connect(Control& control, Hearer& hearer)
+{
+    const auto connection = QObject::connect(&control, &Control::temperaturesChanged, [&control, &hearer] {
+        hearer.hear(0, std::bit_cast<std::uint64_t>(control.temperature()));
+    });
+    return std::make_shared<QMetaObject::Connection>(connection);
+}
+
+/// The snapshot is read without the instrument.
+Operations<Temperature::Control> Temperature::operations()
+{
+    return {
+        {"temperature", Way::None, Role::Neither,
+         [](Control& control, const Use&) {
+             static_cast<void>(control.temperature());
+             return Answer{};
+         }},
+        {"modulesTemperature", Way::None, Role::Neither,
+         [](Control& control, const Use&) {
+             static_cast<void>(control.modulesTemperature());
+             return Answer{};
+         }},
+    };
+}
+
+} // namespace tarn::soak
