@@ -68,11 +68,15 @@ std::size_t Watchdog::calls() const
 
 void Watchdog::run()
 {
-    const auto start = Clock::now();
+    auto lastLook = Clock::now();
     m_mutex.lock();
     while (!m_stop) {
-        const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-        s_now.store(1 + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
+        // No more than one interval counts: a request that began a moment ago takes the last look for its beginning.
+        const auto look = Clock::now();
+        const auto elapsed
+            = std::min(std::chrono::duration_cast<std::chrono::milliseconds>(look - lastLook), interval());
+        s_now.store(now() + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
+        lastLook = look;
         // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
         for (std::size_t i = 0; i < m_calls.size(); ++i) {
             auto& call = *m_calls[i];
@@ -80,11 +84,15 @@ void Watchdog::run()
             call.look();
             m_mutex.lock();
         }
-        const auto interval = m_limits.empty() ? longest : lookInterval(*m_limits.begin());
         if (!m_stop) // may have been set, and told, while a call was looked at
-            m_changed.wait_for(m_mutex, interval);
+            m_changed.wait_for(m_mutex, interval());
     }
     m_mutex.unlock();
+}
+
+std::chrono::milliseconds Watchdog::interval() const
+{
+    return m_limits.empty() ? longest : lookInterval(*m_limits.begin());
 }
 
 } // namespace tarn::guard

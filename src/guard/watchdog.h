@@ -28,7 +28,7 @@ template <class Type>
 /// Looks at all requests of the program now and then, and ends those that take too long. Thread-safe.
 class Watchdog {
 public:
-    using Ticks = std::uint64_t; ///< milliseconds of a clock that is cheap to read and a little slow
+    using Ticks = std::uint64_t; ///< milliseconds of a clock that is cheap to read and goes slow, never fast
 
     /// The only one. Looks from the first call on, until the program has left `main`.
     static Watchdog& instance();
@@ -55,6 +55,9 @@ public:
 private:
     void run();
     void stop();
+
+    /// How long to wait until the next look.
+    [[nodiscard]] std::chrono::milliseconds interval() const TARN_REQUIRES(m_mutex);
 
     static inline std::atomic<Ticks> s_now = 1;
 

@@ -122,6 +122,20 @@ TEST_F(GuardBehaviours, EndsARequestThatIsNeverCompletedWithAnError)
     EXPECT_EQ(reports[0].completions, 0U);
 }
 
+TEST_F(GuardBehaviours, DoesNotCountTheTimeBeforeARequest)
+{
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); });
+    for (int i = 0; i < 10; ++i) {
+        useLimit(std::chrono::seconds{20});
+        std::this_thread::sleep_for(2 * shortLimit);
+        const auto start = std::chrono::steady_clock::now();
+        useLimit(shortLimit);
+        EXPECT_EQ(fileList().code, Error::TimedOut);
+        EXPECT_GE(std::chrono::steady_clock::now() - start, shortLimit);
+    }
+}
+
 TEST_F(GuardBehaviours, BearsACompletionAfterTheTimeOut)
 {
     useLimit(shortLimit);
