@@ -22,9 +22,9 @@
 #include <support/allocationfaults.h>
 #include <support/devicehandle.h>
 #include <support/fakevna.h>
+#include <support/onanotherthread.h>
 #include <support/plaincontrols.h>
 #include <support/signalcounter.h>
-#include <support/onanotherthread.h>
 
 #include <QCoreApplication>
 #include <gtest/gtest.h>
