@@ -43,7 +43,7 @@ bool isChanged(const QString& name, QFile& file)
     return !hash.addData(&file) || !checksum.readAll().startsWith(hash.result().toHex());
 }
 
-/// What a host does with every provider that it finds, to its end.
+/// What a host does with every provider that it finds, but for looking for instruments.
 void use(const QString& file)
 {
     QPluginLoader loader{file};
@@ -52,7 +52,6 @@ void use(const QString& file)
         static_cast<void>(provider->description());
         static_cast<void>(provider->addressSyntax());
         static_cast<void>(provider->addressOptions());
-        static_cast<void>(provider->addresses());
     }
     loader.unload();
 }
@@ -72,17 +71,18 @@ void use(const QString& file)
     ::_exit(EXIT_SUCCESS);
 }
 
-bool survivesItsUse(const QString& file)
+/// How the process ends in which the file is used.
+int outcomeOfUse(const QString& file)
 {
     const auto child = ::fork();
     if (child < 0)
-        return true; // it cannot be tried; the use itself will tell
+        return EXIT_SUCCESS; // it cannot be tried; the use itself will tell
     if (child == 0)
         tryOut(file);
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR)
         ;
-    return WIFEXITED(status) && WEXITSTATUS(status) == EXIT_SUCCESS;
+    return status;
 }
 
 } // namespace
@@ -96,7 +96,10 @@ std::optional<QString> damageOf(const QString& file)
         return QStringLiteral("it is damaged: its end is missing");
     if (isChanged(file, contents))
         return QStringLiteral("it is damaged: it does not agree with its checksum");
-    if (!survivesItsUse(file))
+    const int outcome = outcomeOfUse(file);
+    if (WIFSIGNALED(outcome) && WTERMSIG(outcome) == SIGALRM)
+        return QStringLiteral("loading it does not come to an end");
+    if (outcome != EXIT_SUCCESS)
         return QStringLiteral("it is damaged: loading it ends the program");
     return std::nullopt;
 }

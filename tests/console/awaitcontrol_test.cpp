@@ -35,14 +35,14 @@ TEST_F(AwaitControl, WaitsForOneThatComesForTheFirstTimeUntilItCanBeHad)
     ASSERT_GT(observers.size(), 1U);
     device->announceRelease();
     offer();
-    observers.front()->onControlsAvailable();
+    for (auto observer = observers.begin(); observer + 1 != observers.end(); ++observer)
+        (*observer)->onControlsAvailable();
     ASSERT_FALSE(instrument.lifecycle().isAway());
     ASSERT_FALSE(instrument.isOffered(Control::registryKey));
 
     const std::jthread rest{[&] {
         std::this_thread::sleep_for(std::chrono::milliseconds{20});
-        for (auto observer = observers.begin() + 1; observer != observers.end(); ++observer)
-            (*observer)->onControlsAvailable();
+        observers.back()->onControlsAvailable();
     }};
     instrument.awaitControl(Control::registryKey);
     EXPECT_TRUE(instrument.control<Control>());

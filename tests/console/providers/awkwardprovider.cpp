@@ -79,7 +79,8 @@ public:
             return nullptr;
         if (m_behaviour == "late" && key == ICalibrationController::firstKey && asked == 1) {
             lock.unlock();
-            m_observers.front()->onControlsAboutToBeReleased();
+            for (auto observer = m_observers.begin(); observer + 1 != m_observers.end(); ++observer)
+                (*observer)->onControlsAboutToBeReleased(); // not the last one, which is asking
             m_isLate = true;
             return nullptr;
         }

@@ -122,6 +122,7 @@ TEST(AllocationFailure, OfACreationIsReportedAndLeavesNothing)
     devices::service::servicecontrols::registrate(&registry);
     const std::function<void()> inside;
     const auto device = deviceWithEveryControl(inside);
+    const QObject firstOfThisThread; // Qt does not survive it if that one cannot be made
     for (const auto& entry : registry.entries()) {
         SCOPED_TRACE(devices::ControlRegistry::keyText(entry.key));
         const int met = withEveryFault([&](Fault fault) {
