@@ -32,15 +32,16 @@ bool isCutOff(QFile& file)
     return table > rest || header.e_shoff > sizeof(header) + rest - table;
 }
 
-/// Whether `file` is another than its checksum says. That stands next to it, as `sha256sum` writes it, or nowhere.
-bool isChanged(const QString& name, QFile& file)
+/// Whether the file is what its checksum says. That stands next to it, as `sha256sum` writes it; nothing if there is
+/// none.
+std::optional<bool> agreesWithChecksum(const QString& name, QFile& file)
 {
     QFile checksum{name + QStringLiteral(".sha256")};
     if (!checksum.open(QIODevice::ReadOnly))
-        return false;
+        return std::nullopt;
     QCryptographicHash hash{QCryptographicHash::Sha256};
     file.seek(0);
-    return !hash.addData(&file) || !checksum.readAll().startsWith(hash.result().toHex());
+    return hash.addData(&file) && checksum.readAll().startsWith(hash.result().toHex());
 }
 
 /// What a host does with every provider that it finds, but for looking for instruments.
@@ -94,8 +95,11 @@ std::optional<QString> damageOf(const QString& file)
         return QStringLiteral("it cannot be read: %1").arg(contents.errorString());
     if (isCutOff(contents))
         return QStringLiteral("it is damaged: its end is missing");
-    if (isChanged(file, contents))
+    if (const auto agrees = agreesWithChecksum(file, contents)) {
+        if (*agrees)
+            return std::nullopt;
         return QStringLiteral("it is damaged: it does not agree with its checksum");
+    }
     const int outcome = outcomeOfUse(file);
     if (WIFSIGNALED(outcome) && WTERMSIG(outcome) == SIGALRM)
         return QStringLiteral("loading it does not come to an end");

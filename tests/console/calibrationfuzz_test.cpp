@@ -12,6 +12,11 @@
 
 namespace tarn::console {
 
+using testing::AllOf;
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
 namespace {
 
 const SourceFile damagedFile{"a file", "some example"};
@@ -94,11 +99,10 @@ void fuzz(const std::string& example, Read read, Write write)
         } catch (const Error& error) {
             ++refused;
             ASSERT_EQ(error.code(), ErrorCode::LocalFile) << text;
-            auto message = error.message();
-            std::ranges::replace(message, '\0', '?'); // which a regular expression ends at
-            ASSERT_THAT(message,
-                        testing::MatchesRegex("'a file', (line [0-9]+|\\$|the last line)(.|\n)*: found (.|\n)+, "
-                                              "expected (.|\n)+"))
+            ASSERT_THAT(error.message(),
+                        AllOf(AnyOf(StartsWith("'a file', line "), StartsWith("'a file', $"),
+                                    StartsWith("'a file', the last line")),
+                              HasSubstr(": found "), HasSubstr(", expected ")))
                 << text;
             ASSERT_LT(error.message().size(), 600U) << text;
         }

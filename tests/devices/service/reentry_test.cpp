@@ -65,7 +65,11 @@ protected:
         second.heard = [this](auto...) { heard.push_back(2); };
     }
 
-    ~ReentrantObservers() override { adapter.reset(); }
+    ~ReentrantObservers() override
+    {
+        adapter.reset();
+        this->whenRemoved = nullptr; // the bench has an adapter of its own, which goes last
+    }
 
     /// The SDK's notification, without a lock, of whoever is registered when it begins and still is in his turn.
     void notify()
