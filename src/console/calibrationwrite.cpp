@@ -45,22 +45,24 @@ CalibrationWrite::CalibrationWrite(const Instrument& instrument, std::uint64_t r
     : m_instrument{instrument}
     , m_registryKey{registryKey}
     , m_onProgress{std::move(onProgress)}
-    , m_state{std::make_shared<State>()}
-    , m_connection{QObject::connect(&instrument.lifecycle(), &LifecycleWatch::changed,
-                                    [state = m_state, &lifecycle = instrument.lifecycle()] {
-                                        const bool isAway = lifecycle.isAway();
-                                        const auto lock = state->hear();
-                                        if (isAway && state->isRequested)
-                                            state->hasMissed = true;
-                                        state->mayBeAway = true;
-                                        state->changed.notify_all();
-                                    })}
+    , m_state{std::make_unique<State>()}
 {
+    instrument.lifecycle().add(*this);
 }
 
 CalibrationWrite::~CalibrationWrite()
 {
-    QObject::disconnect(m_connection);
+    m_instrument.lifecycle().remove(*this);
+}
+
+void CalibrationWrite::onLifecycleChanged()
+{
+    const bool isAway = m_instrument.lifecycle().isAway();
+    const auto lock = m_state->hear();
+    if (isAway && m_state->isRequested)
+        m_state->hasMissed = true;
+    m_state->mayBeAway = true;
+    m_state->changed.notify_all();
 }
 
 void CalibrationWrite::requested()

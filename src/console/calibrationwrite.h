@@ -28,7 +28,7 @@ using WriteEnd = std::expected<void, WriteFailure>;
 /// far as they can be told apart, and waits for its end.
 ///
 /// Threads: thread-safe.
-class CalibrationWrite {
+class CalibrationWrite final : private LifecycleWatch::Listener {
 public:
     /// Before the control under `registryKey` is observed. `onProgress` takes the progress. What is
     /// passed here must outlive the write.
@@ -36,7 +36,7 @@ public:
                      std::function<void(LongRequest::Progress)> onProgress);
     CalibrationWrite(const CalibrationWrite&) = delete;
     CalibrationWrite& operator=(const CalibrationWrite&) = delete;
-    ~CalibrationWrite();
+    ~CalibrationWrite() override;
 
     /// The write is about to be requested; what was heard until now is not of it.
     void requested();
@@ -53,13 +53,13 @@ public:
 private:
     struct State;
 
+    void onLifecycleChanged() override;
     void endWith(WriteEnd end);
 
     const Instrument& m_instrument;
     const std::uint64_t m_registryKey;
     const std::function<void(LongRequest::Progress)> m_onProgress;
-    const std::shared_ptr<State> m_state; ///< shared with a notification that may be running
-    const QMetaObject::Connection m_connection;
+    const std::unique_ptr<State> m_state;
 };
 
 /// What the observers of all controls that write calibration data have in common: all but the errors.

@@ -55,7 +55,7 @@ void LifecycleWatch::onControlsAboutToBeReleased()
         ++m_counts.drops;
         m_away = true;
     }
-    emit changed();
+    tell();
 }
 
 void LifecycleWatch::onControlsAvailable()
@@ -66,6 +66,12 @@ void LifecycleWatch::onControlsAvailable()
         m_away = false;
     }
     m_back.notify_all();
+    tell();
+}
+
+void LifecycleWatch::tell()
+{
+    m_listeners.notify(&Listener::onLifecycleChanged);
     emit changed();
 }
 

@@ -2,6 +2,7 @@
 
 #include <sdk/ivna.h>
 #include <utils/mutex.h>
+#include <utils/observerlist.h>
 
 #include <QObject>
 
@@ -24,6 +25,19 @@ class LifecycleWatch final : public QObject, private sdk::IVna::Observer {
 public:
     explicit LifecycleWatch(std::shared_ptr<sdk::IVna> device);
     ~LifecycleWatch() override;
+
+    /// Is told of each change on the thread of the device.
+    class Listener {
+    public:
+        Listener() = default;
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        virtual ~Listener() = default;
+
+        virtual void onLifecycleChanged() = 0;
+    };
+    void add(Listener& listener) const { m_listeners.add(utils::Association<Listener>{listener}); }
+    void remove(Listener& listener) const { m_listeners.remove(utils::Association<Listener>{listener}); }
 
     /// How often the instrument has dropped its controls, and offered them again.
     struct Counts {
@@ -51,10 +65,12 @@ signals:
 private:
     void onControlsAboutToBeReleased() override;
     void onControlsAvailable() override;
+    void tell();
 
     const std::shared_ptr<sdk::IVna> m_device;
     mutable utils::Mutex m_mutex;
     mutable std::condition_variable_any m_back;
+    mutable utils::ObserverList<Listener> m_listeners;
     Counts m_counts TARN_GUARDED_BY(m_mutex);
     bool m_away TARN_GUARDED_BY(m_mutex) = false;
 };

@@ -33,8 +33,8 @@ public:
                      Operation operation)
     {
         auto& call = Pool<Request>::take();
+        call.m_done.swap(done); // first: once it is prepared, the request may be ended
         call.prepare(host, control, name);
-        call.m_done.swap(done);
         try {
             operation(Done{Completer{call}});
         } catch (...) {

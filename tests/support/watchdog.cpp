@@ -2,10 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 
 #include <unistd.h>
 
@@ -18,8 +19,8 @@ namespace tarn::tests {
 
 namespace {
 
-/// A fixed place, because a crash leaves no time to look for it.
-std::array<char, 256> attempt{};
+/// What is being tried. It stays where it is, as a crash leaves no time to look for it.
+std::atomic<const char*> attempt = nullptr;
 
 void print(const char* text)
 {
@@ -28,9 +29,10 @@ void print(const char* text)
 
 void printAttempt()
 {
-    if (attempt.front() == '\0')
+    const char* const text = attempt;
+    if (!text)
         return;
-    print(attempt.data());
+    print(text);
     print(" was being tried\n");
 }
 
@@ -60,7 +62,8 @@ void nowTrying(const std::string& what)
     static_cast<void>(isWatching);
     const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
     const auto text = std::string{test->test_suite_name()} + "." + test->name() + ": " + what;
-    attempt.at(text.copy(attempt.data(), attempt.size() - 1)) = '\0';
+    static auto& attempts = *new std::deque<std::string>; // for as long as somebody may print
+    attempt = attempts.emplace_back(text).c_str();
 }
 
 void giveUp(const char* why)

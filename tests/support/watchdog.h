@@ -7,7 +7,8 @@
 
 namespace tarn::tests {
 
-/// Notes what is being tried. It is printed, after the name of the test, if that hangs or crashes.
+/// Notes what is being tried, on one thread at a time. It is printed, after the name of the test, if that hangs or
+/// crashes.
 void nowTrying(const std::string& what);
 
 /// Ends the program with a message.
