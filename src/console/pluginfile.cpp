@@ -63,9 +63,10 @@ void use(const QString& file)
     constexpr unsigned int secondsToLoad = 20;
     constexpr rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
-    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-        ::dup2(nowhere, stream);
+    if (const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC); nowhere >= 0) {
+        for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            ::dup2(nowhere, stream);
+    }
     ::signal(SIGALRM, SIG_DFL);
     ::alarm(secondsToLoad);
     use(file);
