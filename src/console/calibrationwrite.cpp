@@ -2,18 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <utility>
 
 namespace tarn::console {
-
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-} // namespace
 
 struct CalibrationWrite::State {
     /// Every write is heard, whoever asked for it, but one after the other in the order in which they
@@ -25,7 +20,7 @@ struct CalibrationWrite::State {
     [[nodiscard]] std::unique_lock<std::mutex> hear()
     {
         std::unique_lock lock{mutex};
-        heard = Clock::now();
+        silence = 0;
         return lock;
     }
 
@@ -36,7 +31,7 @@ struct CalibrationWrite::State {
     bool hasStarted = false;
     bool hasMissed = false;
     bool mayBeAway = true;
-    Clock::time_point heard; ///< when something was notified last
+    int silence = 0; ///< how often nothing came for an eighth of the limit
     std::optional<WriteEnd> end;
 };
 
@@ -75,10 +70,12 @@ WriteEnd CalibrationWrite::wait()
 {
     std::unique_lock lock{m_state->mutex};
     for (;;) {
-        const auto isSilent = [this] { return Clock::now() >= m_state->heard + m_instrument.limit(); };
-        const auto isOver = [&] { return m_state->end || m_state->mayBeAway || isSilent(); };
-        while (!isOver())
-            m_state->changed.wait_until(lock, m_state->heard + m_instrument.limit());
+        // In parts, as a part in which the program is stopped counts no more than another. The first may be short.
+        const auto part = std::max<std::chrono::milliseconds>(m_instrument.limit() / 8, std::chrono::milliseconds{1});
+        while (!m_state->end && !m_state->mayBeAway && m_state->silence <= 8) {
+            if (m_state->changed.wait_for(lock, part) == std::cv_status::timeout)
+                ++m_state->silence;
+        }
         if (const auto& end = m_state->end)
             return *end;
         if (!std::exchange(m_state->mayBeAway, false))

@@ -30,14 +30,14 @@ public:
         const utils::MutexLock lock{m_mutex};
         auto& call = m_calls[std::this_thread::get_id()];
         if (call.depth++ == 0)
-            call.since = Clock::now();
+            call.since = m_time;
     }
 
     void end()
     {
         const utils::MutexLock lock{m_mutex};
         const auto call = m_calls.find(std::this_thread::get_id());
-        call->second.since = Clock::now();
+        call->second.since = m_time;
         if (--call->second.depth == 0)
             m_calls.erase(call);
     }
@@ -45,7 +45,7 @@ public:
     void onProgress()
     {
         const utils::MutexLock lock{m_mutex};
-        m_progress = Clock::now();
+        m_progress = m_time;
     }
 
     void limit(std::chrono::milliseconds limit, std::function<void()> onOverdue)
@@ -62,12 +62,12 @@ public:
 private:
     struct Call {
         int depth = 0;
-        Clock::time_point since; ///< the last sign of life
+        Clock::duration since{}; ///< the last sign of life
     };
 
     [[nodiscard]] bool isOverdue() const TARN_REQUIRES(m_mutex)
     {
-        const auto last = Clock::now() - m_limit - m_grace;
+        const auto last = m_time - m_limit - m_grace;
         const auto isOver = [last](const auto& entry) { return entry.second.since < last; };
         return m_progress < last && std::ranges::any_of(m_calls, isOver);
     }
@@ -76,8 +76,11 @@ private:
     [[noreturn]] void watch()
     {
         m_mutex.lock();
-        for (;;) {
+        for (auto lastLook = Clock::now();;) {
             m_changed.wait_for(m_mutex, m_grace / 4);
+            const auto look = Clock::now();
+            m_time += std::min<Clock::duration>(look - lastLook, m_grace / 4);
+            lastLook = look;
             if (!isOverdue())
                 continue;
             const auto onOverdue = m_onOverdue;
@@ -90,7 +93,9 @@ private:
     utils::Mutex m_mutex;
     std::condition_variable_any m_changed;
     std::map<std::thread::id, Call> m_calls TARN_GUARDED_BY(m_mutex);
-    Clock::time_point m_progress TARN_GUARDED_BY(m_mutex);
+    /// The time as of the last look. It goes on by no more than from look to look, also when the program was stopped.
+    Clock::duration m_time TARN_GUARDED_BY(m_mutex){};
+    Clock::duration m_progress TARN_GUARDED_BY(m_mutex){};
     std::chrono::milliseconds m_limit TARN_GUARDED_BY(m_mutex){};
     std::chrono::milliseconds m_grace TARN_GUARDED_BY(m_mutex){}; ///< for the guard, which comes first
     std::function<void()> m_onOverdue TARN_GUARDED_BY(m_mutex);

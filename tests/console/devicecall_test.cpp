@@ -3,8 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <csignal>
 #include <optional>
 #include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace tarn::console {
 
@@ -27,20 +32,42 @@ protected:
 
     [[nodiscard]] bool isOverdueWithin(std::chrono::milliseconds time) const
     {
-        for (auto left = time; left > 0ms && overdue == 0; left -= 10ms)
-            std::this_thread::sleep_for(10ms);
+        const auto end = std::chrono::steady_clock::now() + time;
+        while (overdue == 0 && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(5ms);
         return overdue > 0;
     }
 
     std::atomic<int> overdue{0};
 };
 
+/// Stops the program, as Ctrl-Z does, for a second.
+void beStopped()
+{
+    const auto child = ::fork();
+    if (child == 0) {
+        ::kill(::getppid(), SIGSTOP);
+        ::sleep(1);
+        ::kill(::getppid(), SIGCONT);
+        ::_exit(0);
+    }
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+}
+
 } // namespace
 
 TEST_F(DeviceCallTest, IsOverdueWhenItDoesNotEnd)
 {
     const DeviceCall call;
-    EXPECT_FALSE(isOverdueWithin(300ms));
+    EXPECT_FALSE(isOverdueWithin(200ms));
+    EXPECT_TRUE(isOverdueWithin(10s));
+}
+
+TEST_F(DeviceCallTest, IsNotOverdueForTheTimeThatTheProgramWasStopped)
+{
+    const DeviceCall call;
+    beStopped();
+    EXPECT_FALSE(isOverdueWithin(200ms));
     EXPECT_TRUE(isOverdueWithin(10s));
 }
 
