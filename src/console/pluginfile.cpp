@@ -60,7 +60,7 @@ void use(const QString& file)
 /// In a process of its own, which leaves nothing behind.
 [[noreturn]] void tryOut(const QString& file)
 {
-    constexpr unsigned int secondsToLoad = 20;
+    constexpr unsigned int secondsToLoad = 10;
     constexpr rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
     if (const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC); nowhere >= 0) {

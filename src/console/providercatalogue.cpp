@@ -1,5 +1,6 @@
 #include <console/providercatalogue.h>
 
+#include <console/devicecall.h>
 #include <console/pluginfile.h>
 
 #include <QCoreApplication>
@@ -61,6 +62,7 @@ std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const
         return std::unexpected{QStringLiteral("it is a plug-in for '%1', not for '%2'").arg(interface, expected)};
     if (const auto damage = damageOf(file))
         return std::unexpected{*damage};
+    const DeviceCall call;
     auto* const root = loader.instance();
     if (!root)
         return std::unexpected{QStringLiteral("it cannot be loaded: %1").arg(loader.errorString())};

@@ -154,6 +154,27 @@ TEST_F(DamagedProviders, AFileThatDoesNotAgreeWithItsChecksumIsRefusedWhicheverB
             testing::AnyOf(HasSubstr("its checksum"), HasSubstr("not a Qt plug-in"), HasSubstr("it is a plug-in for")));
 }
 
+TEST_F(DamagedProviders, AFileWhoseLoadingDoesNotComeToAnEndIsRefused)
+{
+    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name"));
+    writeLocal(QStringLiteral("libstuck.so"), whole);
+    const auto files = refused();
+    EXPECT_EQ(loaded, 0);
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_EQ(reasonOf(files.first()), "loading it does not come to an end");
+}
+
+TEST_F(DamagedProviders, AFileThatAgreesWithItsChecksumIsNotTriedButLoadedInTime)
+{
+    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name"));
+    writeLocal(QStringLiteral("libstuck.so"), whole);
+    writeLocal(QStringLiteral("libstuck.so.sha256"),
+               QCryptographicHash::hash(whole, QCryptographicHash::Sha256).toHex() + "  libstuck.so\n");
+    const auto outcome = run(words("--timeout 300ms providers"));
+    EXPECT_EQ(outcome.exitCode, 5);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("did not answer in time"));
+}
+
 TEST_F(DamagedProviders, AFileWhoseCodeEndsTheProgramIsRefusedWithoutThat)
 {
     write(QStringLiteral("libholed.so"), [](QByteArray& contents) {

@@ -271,7 +271,7 @@ TEST_F(TimeoutTest, SaysThatAnAnswerCameTooLateUnlessItIsQuiet)
 TEST_F(TimeoutTest, ProvidersThatDoNotTellTheirAddressesAreNotWaitedFor)
 {
     useTestProvider(QStringLiteral("awkward_provider"));
-    setVariable(QStringLiteral("AWKWARD_ADDRESSES_STUCK"), QStringLiteral("1"));
+    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("addresses"));
     const auto outcome = run(impatient("providers"));
     EXPECT_EQ(outcome.exitCode, 5);
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("did not answer in time"));

@@ -218,7 +218,13 @@ class AwkwardProvider final : public QObject, public tarn::provider::IDeviceProv
 public:
     using OpenError = tarn::provider::OpenError;
 
-    QString name() const override { return QStringLiteral("awkward"); }
+    AwkwardProvider() { awkward::stuckIn = qgetenv("AWKWARD_STUCK").toStdString(); }
+
+    QString name() const override
+    {
+        awkward::enter("name");
+        return QStringLiteral("awkward");
+    }
     QString description() const override { return QStringLiteral("instruments that make trouble"); }
     QString addressSyntax() const override { return QStringLiteral("TROUBLE"); }
     bool isSimulated() const override { return false; }
@@ -231,8 +237,6 @@ public:
 
     QList<tarn::provider::Address> addresses() const override
     {
-        if (qEnvironmentVariableIsSet("AWKWARD_ADDRESSES_STUCK"))
-            awkward::stuckIn = "addresses";
         awkward::enter("addresses");
         return {{QStringLiteral("hostile"), {}}};
     }
