@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <utility>
 
 namespace tarn::guard {
@@ -51,31 +50,35 @@ std::shared_ptr<void> Keeper::decorated(const std::shared_ptr<void>& control, sd
     const auto* const row = std::ranges::find(rows, key, &Row::key);
     if (!control || row == rows.end())
         return control;
-    std::vector<Decoration> expired; // goes after the lock
+    std::list<Decoration> expired; // goes after the lock
     const utils::MutexLock lock{m_mutex};
     expired = takeExpired();
     const auto found = std::ranges::find_if(m_decorations, [&](const Decoration& decoration) {
-        return decoration.host == host.get() && isSame(decoration.control, control);
+        return decoration.key == key && decoration.address == control.get() && decoration.host == host.get()
+            && isSame(decoration.control, control);
     });
     if (found != m_decorations.end())
         return {control, found->interface};
     auto [owner, interface] = row->make(control.get(), host);
-    m_decorations.push_back({control, host.get(), std::move(owner), interface});
+    m_decorations.push_back({control, control.get(), key, host.get(), std::move(owner), interface});
     return {control, interface};
 }
 
 void Keeper::sweep()
 {
-    std::vector<Decoration> expired; // goes after the lock
+    std::list<Decoration> expired; // goes after the lock
     const utils::MutexLock lock{m_mutex};
     expired = takeExpired();
 }
 
-std::vector<Keeper::Decoration> Keeper::takeExpired()
+std::list<Keeper::Decoration> Keeper::takeExpired()
 {
-    const auto gone = std::ranges::partition(m_decorations, [](const Decoration& d) { return !d.control.expired(); });
-    std::vector<Decoration> expired{std::make_move_iterator(gone.begin()), std::make_move_iterator(gone.end())};
-    m_decorations.erase(gone.begin(), gone.end());
+    std::list<Decoration> expired;
+    for (auto next = m_decorations.begin(); next != m_decorations.end();) {
+        const auto decoration = next++;
+        if (decoration->control.expired())
+            expired.splice(expired.end(), m_decorations, decoration);
+    }
     return expired;
 }
 

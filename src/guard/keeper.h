@@ -4,8 +4,8 @@
 #include <sdk/key.h>
 #include <utils/mutex.h>
 
+#include <list>
 #include <memory>
-#include <vector>
 
 namespace tarn::guard {
 
@@ -26,15 +26,17 @@ public:
 private:
     struct Decoration {
         std::weak_ptr<void> control;
+        const void* address; ///< of `control`: one owner may have several
+        sdk::Key key;
         const Host* host;
         std::shared_ptr<void> owner;
         void* interface;
     };
 
-    [[nodiscard]] std::vector<Decoration> takeExpired() TARN_REQUIRES(m_mutex);
+    [[nodiscard]] std::list<Decoration> takeExpired() TARN_REQUIRES(m_mutex);
 
     utils::Mutex m_mutex;
-    std::vector<Decoration> m_decorations TARN_GUARDED_BY(m_mutex);
+    std::list<Decoration> m_decorations TARN_GUARDED_BY(m_mutex);
 };
 
 } // namespace tarn::guard

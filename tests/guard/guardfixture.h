@@ -3,6 +3,7 @@
 #include <guard/guard.h>
 #include <sdk/service/ifilememorycontrol.h>
 #include <support/fakevna.h>
+#include <support/watchdog.h>
 
 #include <gmock/gmock.h>
 
@@ -102,6 +103,9 @@ class GuardTest : public testing::Test {
 protected:
     static constexpr std::chrono::milliseconds shortLimit{40};
 
+    /// Long enough for an operation that returns at once to have returned, whatever else the machine does.
+    static constexpr std::chrono::milliseconds returnLimit{600};
+
     void useLimit(std::chrono::milliseconds limit) { guarded = tarn::guard::guarded(device, {limit, breaches}); }
 
     std::shared_ptr<ScriptedFileMemory> offer(ScriptedFileMemory::Script script)
@@ -127,6 +131,9 @@ protected:
     std::shared_ptr<BreachLog> breaches = std::make_shared<BreachLog>();
     std::shared_ptr<sdk::IVna> guarded = tarn::guard::guarded(device, {std::chrono::seconds{20}, breaches});
     const Files someFiles{{"a", 1}, {"b", 2}};
+
+private:
+    const tests::Watchdog m_watchdog;
 };
 
 } // namespace tarn::guard

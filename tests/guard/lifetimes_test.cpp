@@ -4,6 +4,10 @@
 #include <sdk/controlhandle.h>
 #include <sdk/service/iloleakagecontrol.h>
 #include <support/mockloleakagecontrol.h>
+#include <support/mockmemoryserialnumbercontrol.h>
+
+#include <utility>
+#include <variant>
 
 namespace tarn::guard {
 
@@ -47,6 +51,45 @@ TEST_F(GuardLifetimes, AnotherControlHasAnotherDecoration)
     const auto held = control();
     const auto second = offer({});
     EXPECT_NE(control(), held);
+}
+
+TEST_F(GuardLifetimes, EachInterfaceOfOneObjectHasItsOwnDecoration)
+{
+    struct Object {
+        ScriptedFileMemory files{[](const FilesDone& done) { done({}, {}); }};
+        ScriptedFileMemory otherFiles{[](const FilesDone& /*done*/) { }};
+        testing::NiceMock<tests::MockMemorySerialNumberControl> serialNumber;
+    };
+    using sdk::service::IMemorySerialNumberControl;
+    const auto object = std::make_shared<Object>();
+    const auto offerPart = [&]<class Interface>(Interface& part) {
+        device->offer<Interface>(Interface::key, std::shared_ptr<Interface>{object, &part});
+    };
+    offerPart.operator()<FileMemory>(object->files);
+    offerPart.operator()<IMemorySerialNumberControl>(object->serialNumber);
+    EXPECT_CALL(object->serialNumber, serialNumber).WillOnce(testing::InvokeArgument<0>(7, std::error_code{}));
+    const auto files = control();
+    const auto serialNumber = guarded->control<IMemorySerialNumberControl>(IMemorySerialNumberControl::key);
+    EXPECT_NE(static_cast<void*>(files.get()), serialNumber.get());
+    EXPECT_EQ(control(), files);
+    unsigned int number = 0;
+    serialNumber->serialNumber([&](unsigned int value, std::error_code /*code*/) { number = value; });
+    EXPECT_EQ(number, 7U);
+    EXPECT_EQ(fileList().code, std::error_code{});
+    offerPart.operator()<FileMemory>(object->otherFiles);
+    EXPECT_EQ(fileList().code, Error::Dropped);
+}
+
+TEST_F(GuardLifetimes, AnInterfaceInThePlaceOfAnotherHasItsOwnDecoration)
+{
+    using sdk::service::IMemorySerialNumberControl;
+    using Object = std::variant<ScriptedFileMemory, testing::NiceMock<tests::MockMemorySerialNumberControl>>;
+    const auto object = std::make_shared<Object>(std::in_place_index<0>, nullptr);
+    device->offer<FileMemory>(FileMemory::key, {object, &std::get<0>(*object)});
+    const auto files = control();
+    IMemorySerialNumberControl& serialNumber = object->emplace<1>();
+    device->offer<IMemorySerialNumberControl>(IMemorySerialNumberControl::key, {object, &serialNumber});
+    EXPECT_NE(guarded->control(IMemorySerialNumberControl::key).get(), files.get());
 }
 
 TEST_F(GuardLifetimes, TwoGuardsOfOneDeviceKeepApart)
@@ -98,7 +141,7 @@ TEST_F(GuardLifetimes, TheGuardedDeviceIsTheDevice)
 
 TEST_F(GuardLifetimes, AControlOutlivesTheGuardedDevice)
 {
-    useLimit(shortLimit);
+    useLimit(returnLimit);
     FilesDone kept;
     offer([&](FilesDone done) { kept = std::move(done); });
     const auto held = control();
@@ -107,6 +150,21 @@ TEST_F(GuardLifetimes, AControlOutlivesTheGuardedDevice)
     held->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
     EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
     EXPECT_EQ(breaches->await(1).at(0).breach, Breach::TimedOut);
+}
+
+TEST_F(GuardLifetimes, ARequestThatOutlivesEverythingTimesOut)
+{
+    useLimit(shortLimit);
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); });
+    std::promise<std::error_code> ended;
+    const auto start = std::chrono::steady_clock::now();
+    control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
+    guarded.reset();
+    device.reset();
+    EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, shortLimit);
+    kept(someFiles, {});
 }
 
 TEST_F(GuardLifetimes, ACompletionThatOutlivesEverythingIsHarmless)
