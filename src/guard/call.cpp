@@ -2,6 +2,8 @@
 
 #include <guard/error.h>
 
+#include <algorithm>
+
 namespace tarn::guard {
 
 void Call::prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view operation)
@@ -9,60 +11,64 @@ void Call::prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::str
     if (m_hostAddress != host.get()) {
         m_host = host;
         m_hostAddress = host.get();
+        m_limit = host->limit();
     }
     m_control = control;
     m_operation = operation;
-    m_start = Watchdog::now();
-    m_lateCompletions.store(0, std::memory_order_relaxed);
-    m_isReturned.store(false, std::memory_order_relaxed);
-    m_holders.store(2, std::memory_order_relaxed);
-    setPhase(Phase::Pending);
+    m_callersThread = thisThread();
+    m_since = Watchdog::now();
+    m_state.store(2 * holder + static_cast<State>(Phase::Pending), std::memory_order_release);
 }
 
 void Call::free()
 {
-    if (claim())
-        endUnanswered(Phase::Dropped, Error::Dropped, Breach::Dropped);
+    if (claim(Phase::Dropped)) {
+        report(Breach::Dropped, 0); // first, so that reports come in the order of what they tell
+        fail(Error::Dropped);
+    }
     recycle();
 }
 
 void Call::onThrew()
 {
-    if (claim())
-        setPhase(Phase::Threw);
-    m_phase.wait(Phase::Ending, std::memory_order_acquire);
-    if (m_phase.load(std::memory_order_acquire) == Phase::Completed)
+    if (claim(Phase::Threw))
+        forget();
+    auto state = m_state.fetch_or(awaited, std::memory_order_acquire) | awaited;
+    while (isEnding(state)) {
+        m_state.wait(state, std::memory_order_acquire);
+        state = m_state.load(std::memory_order_acquire);
+    }
+    if (phaseOf(state) == Phase::Completed)
         report(Breach::CompletedAndThrew, 1);
-    release();
+    letGo(returned);
 }
 
-void Call::look()
+std::chrono::milliseconds Call::look()
 {
-    if (m_phase.load(std::memory_order_acquire) != Phase::Pending || !tryRetain())
-        return;
-    const auto host = m_host.lock();
-    if (host && host->isOverdue(m_start) && claim())
-        endUnanswered(Phase::TimedOut, Error::TimedOut,
-                      m_isReturned.load(std::memory_order_relaxed) ? Breach::TimedOut : Breach::NotReturned);
+    if (!tryRetain())
+        return longest;
+    if (const auto host = m_host.lock())
+        m_since = std::max(m_since, host->lastProgress());
+    const auto limit = m_limit;
+    if (isOver(limit, m_since) && claim(Phase::TimingOut, holder)) {
+        const bool isReturned = (m_state.load(std::memory_order_relaxed) & returned) != 0;
+        end([&] {
+            report(isReturned ? Breach::TimedOut : Breach::NotReturned, 0);
+            fail(Error::TimedOut);
+        });
+    }
     release();
+    return limit;
 }
 
 bool Call::tryRetain()
 {
-    auto holders = m_holders.load(std::memory_order_relaxed);
-    while (holders != 0) {
-        if (m_holders.compare_exchange_weak(holders, holders + 1, std::memory_order_acquire, std::memory_order_relaxed))
+    auto state = m_state.load(std::memory_order_relaxed);
+    while (phaseOf(state) == Phase::Pending && holdersOf(state) != 0) {
+        if (m_state.compare_exchange_weak(state, state + holder, std::memory_order_acquire, std::memory_order_relaxed))
             return true;
     }
     return false;
-}
-
-void Call::endUnanswered(Phase phase, std::error_code error, Breach breach)
-{
-    end(phase, [&] {
-        report(breach, 0); // first, so that reports come in the order of what they tell
-        fail(error);
-    });
 }
 
 void Call::report(Breach breach, unsigned completions) const noexcept
@@ -73,15 +79,21 @@ void Call::report(Breach breach, unsigned completions) const noexcept
 
 void Call::reportCompletion()
 {
-    const auto late = m_lateCompletions.fetch_add(1, std::memory_order_relaxed) + 1;
-    m_phase.wait(Phase::Ending, std::memory_order_acquire);
-    switch (m_phase.load(std::memory_order_acquire)) {
+    const auto before = m_state.fetch_add(completion, std::memory_order_acq_rel);
+    if (!isEnding(before)) // otherwise it is reported by who ends the request: this thread may be in the middle of that
+        reportCompletion(before, moreCompletionsOf(before) + 1);
+}
+
+void Call::reportCompletion(State state, unsigned more) const noexcept
+{
+    switch (phaseOf(state)) {
+    case Phase::TimingOut:
     case Phase::TimedOut:
-        return report(Breach::CompletedLate, late);
+        return report(Breach::CompletedLate, more);
     case Phase::Threw:
-        return report(Breach::CompletedAndThrew, late);
+        return report(Breach::CompletedAndThrew, more);
     default:
-        return report(Breach::CompletedAgain, late + 1);
+        return report(Breach::CompletedAgain, more + 1);
     }
 }
 

@@ -37,8 +37,8 @@ protected:
     template <class Done, class Operation, class... Arguments>
     void request(std::string_view name, Done& done, Operation operation, Arguments&&... arguments)
     {
-        Request<Done>::make(m_host, Interface::key, name, done, [&](Done&& completion) {
-            (m_control.*operation)(std::forward<Arguments>(arguments)..., std::move(completion));
+        Request<Done>::make(m_host, Interface::key, name, done, [&](auto completer) {
+            (m_control.*operation)(std::forward<Arguments>(arguments)..., Done{std::move(completer)});
         });
     }
 
@@ -96,6 +96,7 @@ public:
 
     /// The host learns of the device's progress from now on.
     void observe() { m_progress.observe(control()); }
+    void onDrop() { m_progress.onDrop(); }
 
     void addObserver(IObserver* observer) override { control().addObserver(observer); }
     void removeObserver(IObserver* observer) override { control().removeObserver(observer); }
@@ -153,6 +154,7 @@ public:
 
     /// The host learns of the device's progress from now on.
     void observe() { m_progress.observe(control()); }
+    void onDrop() { m_progress.onDrop(); }
 
     void addObserver(Observer* observer) override { control().addObserver(observer); }
     void removeObserver(Observer* observer) override { control().removeObserver(observer); }

@@ -41,7 +41,8 @@ public:
     [[nodiscard]] sdk::Model model() const override { return m_device->model(); }
 
 private:
-    /// A request that outlasts a drop has its progress told by the control that is offered next.
+    /// A request that outlasts a drop has its progress told by the control that is offered next, and not by one that
+    /// the device has dropped.
     class Returns final : public Observer {
     public:
         explicit Returns(GuardedVna& vna)
@@ -49,23 +50,28 @@ private:
         {
         }
 
-        void onControlsAboutToBeReleased() override { }
+        void onControlsAboutToBeReleased() override
+        {
+            m_vna.tell(&MemoryOperations::onDrop);
+            m_vna.tell(&SerialNumber::onDrop);
+        }
         void onControlsAvailable() override
         {
-            m_vna.observe<MemoryOperations>();
-            m_vna.observe<SerialNumber>();
+            m_vna.tell(&MemoryOperations::observe);
+            m_vna.tell(&SerialNumber::observe);
         }
 
     private:
         GuardedVna& m_vna;
     };
 
+    /// Calls `notification` of the decoration of what the device offers.
     template <class Type>
-    void observe()
+    void tell(void (Type::*notification)())
     {
         using Interface = typename Type::Interface;
         if (const auto offered = control<Interface>(Interface::key))
-            static_cast<Type&>(*offered).observe();
+            (static_cast<Type&>(*offered).*notification)();
     }
 
     std::shared_ptr<sdk::IVna> m_device;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -14,40 +15,38 @@ namespace tarn::guard {
 class Host {
 public:
     explicit Host(Options options)
-        : m_options{std::move(options)}
+        : m_limit{std::clamp(options.limit, shortest, longest)}
+        , m_observer{std::move(options.observer)}
     {
-        Watchdog::instance().watch(m_options.limit);
+        Watchdog::instance().watch(m_limit);
     }
 
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
-    ~Host() { Watchdog::instance().release(m_options.limit); }
+    ~Host() { Watchdog::instance().release(m_limit); }
+
+    /// How long a request may take without progress.
+    [[nodiscard]] std::chrono::milliseconds limit() const { return m_limit; }
 
     /// The device has come further with some operation.
     void onProgress() noexcept
     {
         m_progress.store(Watchdog::now(), std::memory_order_relaxed);
-        if (m_options.observer)
-            m_options.observer->onProgress();
+        if (m_observer)
+            m_observer->onProgress();
     }
 
-    /// Whether a request that was made at `start` has taken longer than it may. Never too early: `start` and the last
-    /// progress lie up to one look before what they stand for.
-    [[nodiscard]] bool isOverdue(Watchdog::Ticks start) const
-    {
-        const auto since = std::max(start, m_progress.load(std::memory_order_relaxed));
-        const auto patience = m_options.limit + lookInterval(m_options.limit);
-        return Watchdog::now() > since + static_cast<Watchdog::Ticks>(patience.count());
-    }
+    [[nodiscard]] Watchdog::Ticks lastProgress() const { return m_progress.load(std::memory_order_relaxed); }
 
     void report(const BreachReport& report) const noexcept
     {
-        if (m_options.observer)
-            m_options.observer->onBreach(report);
+        if (m_observer)
+            m_observer->onBreach(report);
     }
 
 private:
-    const Options m_options;
+    const std::chrono::milliseconds m_limit;
+    const std::shared_ptr<IBreachObserver> m_observer;
     std::atomic<Watchdog::Ticks> m_progress = 0;
 };
 

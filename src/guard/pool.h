@@ -4,9 +4,20 @@
 #include <guard/watchdog.h>
 #include <utils/mutex.h>
 
-#include <vector>
+#include <utility>
 
 namespace tarn::guard {
+
+template <class Type>
+class Pool;
+
+/// What can be in a `Pool`. To be given back it needs no memory.
+template <class Type>
+class Pooled {
+    friend class Pool<Type>;
+
+    Type* m_next = nullptr; ///< of the free objects
+};
 
 /// The free objects of a type that are never destroyed, but used again; `Type::create()` makes more. Each thread keeps
 /// one at hand, so that a request that is completed before the operation returns takes no lock. Thread-safe.
@@ -29,22 +40,20 @@ private:
         Type* take()
         {
             const utils::MutexLock lock{mutex};
-            if (free.empty())
-                return nullptr;
-            auto* const object = free.back();
-            free.pop_back();
-            return object;
+            return free ? std::exchange(free, nextOf(*free)) : nullptr;
         }
 
         void giveBack(Type* object)
         {
             const utils::MutexLock lock{mutex};
-            free.push_back(object);
+            nextOf(*object) = std::exchange(free, object);
         }
 
         utils::Mutex mutex;
-        std::vector<Type*> free TARN_GUARDED_BY(mutex);
+        Type* free TARN_GUARDED_BY(mutex) = nullptr;
     };
+
+    static Type*& nextOf(Pooled<Type>& object) { return object.m_next; }
 
     static Shared& shared() { return immortal<Shared>(); }
     static void share(Type* object) { shared().giveBack(object); }

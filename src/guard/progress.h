@@ -7,6 +7,7 @@
 #include <utils/mutex.h>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -41,7 +42,8 @@ private:
     std::weak_ptr<Host> m_host TARN_GUARDED_BY(m_mutex);
 };
 
-class MemoryListener final : public Listener<sdk::service::IMemoryOperationsControl::IObserver> {
+class MemoryListener final : public Listener<sdk::service::IMemoryOperationsControl::IObserver>,
+                             public Pooled<MemoryListener> {
 public:
     static MemoryListener& create() { return *new MemoryListener; }
 
@@ -51,7 +53,8 @@ public:
     void onIntegrityCheckProgressChanged(unsigned int /*done*/, unsigned int /*total*/) override { onProgress(); }
 };
 
-class SerialNumberListener final : public Listener<sdk::service::IMemorySerialNumberControl::Observer> {
+class SerialNumberListener final : public Listener<sdk::service::IMemorySerialNumberControl::Observer>,
+                                   public Pooled<SerialNumberListener> {
 public:
     static SerialNumberListener& create() { return *new SerialNumberListener; }
 
@@ -76,15 +79,22 @@ public:
     template <class Control>
     void observe(Control& control)
     {
-        if (m_isObserved)
+        auto state = m_state.load();
+        if (state != State::Unobserved)
             return;
         control.addObserver(&m_listener);
-        m_isObserved = true;
+        if (!m_state.compare_exchange_strong(state, State::Observed) && state == State::Dropped)
+            control.removeObserver(&m_listener);
     }
 
+    /// The device drops the control, and what observes it. Who observed it later would have to stop.
+    void onDrop() { m_state = State::Dropped; }
+
 private:
+    enum class State : std::uint8_t { Unobserved, Observed, Dropped };
+
     Type& m_listener = Pool<Type>::take();
-    std::atomic<bool> m_isObserved = false;
+    std::atomic<State> m_state = State::Unobserved;
 };
 
 } // namespace tarn::guard

@@ -16,7 +16,7 @@ namespace tarn::guard {
 
 /// A call whose caller's completion is a `Done`, a kind of `sdk::Completion`.
 template <class Done>
-class Request final : public Call {
+class Request final : public Call, public Pooled<Request<Done>> {
 public:
     static Request& create()
     {
@@ -26,8 +26,9 @@ public:
         return request;
     }
 
-    /// Makes a request: `operation(completion)` hands it to the device, with a completion that ends in `done` once.
-    /// What the operation throws passes through, and `done` is not called then, unless the device has called it before.
+    /// Makes a request: `operation(completer)` hands it to the device, with a `Done` of `completer` that ends in `done`
+    /// once. What the operation throws passes through, and `done` is not called then, unless it has been called before:
+    /// by the device, or because of the time that the operation took.
     template <class Operation>
     static void make(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view name, Done& done,
                      Operation operation)
@@ -36,7 +37,7 @@ public:
         call.m_done.swap(done); // first: once it is prepared, the request may be ended
         call.prepare(host, control, name);
         try {
-            operation(Done{Completer{call}});
+            operation(Completer{call});
         } catch (...) {
             call.onThrew();
             throw;
@@ -82,7 +83,8 @@ private:
         template <class... Outcome>
         void operator()(Outcome&&... outcome) const
         {
-            m_call->complete([&] { m_call->m_done(std::forward<Outcome>(outcome)...); });
+            // what the completion leads to may destroy this
+            m_call->complete([&, call = m_call] { call->taken()(std::forward<Outcome>(outcome)...); });
         }
 
     private:
@@ -91,18 +93,23 @@ private:
         Request* m_call;
     };
 
+    /// The caller's completion, which goes when it has been called, whatever the device keeps.
+    [[nodiscard]] Done taken()
+    {
+        Done done;
+        done.swap(m_done);
+        return done;
+    }
+
     void fail(std::error_code error) override
     {
         if constexpr (std::is_invocable_v<Done, std::error_code>)
-            m_done(error);
+            taken()(error);
         else
-            m_done({}, error);
+            taken()({}, error);
     }
-    void recycle() override
-    {
-        m_done = nullptr;
-        Pool<Request>::giveBack(*this);
-    }
+    void forget() override { m_done = nullptr; }
+    void recycle() override { Pool<Request>::giveBack(*this); }
 
     Done m_done;
 };

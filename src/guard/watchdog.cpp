@@ -4,13 +4,6 @@
 
 namespace tarn::guard {
 
-namespace {
-
-using Clock = std::chrono::steady_clock;
-constexpr std::chrono::milliseconds longest = std::chrono::hours{1};
-
-} // namespace
-
 Watchdog& Watchdog::instance()
 {
     struct Stop {
@@ -68,6 +61,7 @@ std::size_t Watchdog::calls() const
 
 void Watchdog::run()
 {
+    using Clock = std::chrono::steady_clock;
     auto lastLook = Clock::now();
     m_mutex.lock();
     while (!m_stop) {
@@ -77,22 +71,30 @@ void Watchdog::run()
             = std::min(std::chrono::duration_cast<std::chrono::milliseconds>(look - lastLook), interval());
         s_now.store(now() + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
         lastLook = look;
-        // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
-        for (std::size_t i = 0; i < m_calls.size(); ++i) {
-            auto& call = *m_calls[i];
-            m_mutex.unlock();
-            call.look();
-            m_mutex.lock();
-        }
+        m_pending = lookAtAll();
         if (!m_stop) // may have been set, and told, while a call was looked at
             m_changed.wait_for(m_mutex, interval());
     }
     m_mutex.unlock();
 }
 
+std::chrono::milliseconds Watchdog::lookAtAll()
+{
+    auto limit = longest;
+    // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
+    for (std::size_t i = 0; i < m_calls.size(); ++i) {
+        auto& call = *m_calls[i];
+        m_mutex.unlock();
+        limit = std::min(limit, call.look());
+        m_mutex.lock();
+    }
+    return limit;
+}
+
 std::chrono::milliseconds Watchdog::interval() const
 {
-    return m_limits.empty() ? longest : lookInterval(*m_limits.begin());
+    const auto limit = m_limits.empty() ? m_pending : std::min(m_pending, *m_limits.begin());
+    return lookInterval(limit);
 }
 
 } // namespace tarn::guard

@@ -17,6 +17,10 @@ namespace tarn::guard {
 
 class Call;
 
+// What the limit of a request lies between.
+constexpr std::chrono::milliseconds shortest{1};
+constexpr std::chrono::milliseconds longest = std::chrono::years{10};
+
 /// An object for the whole program, also for what is destroyed after everything else.
 template <class Type>
 [[nodiscard]] Type& immortal()
@@ -59,12 +63,16 @@ private:
     /// How long to wait until the next look.
     [[nodiscard]] std::chrono::milliseconds interval() const TARN_REQUIRES(m_mutex);
 
+    /// Ends what takes too long. The shortest limit of what is left, which may be of a guarded device that is gone.
+    [[nodiscard]] std::chrono::milliseconds lookAtAll() TARN_REQUIRES(m_mutex);
+
     static inline std::atomic<Ticks> s_now = 1;
 
     mutable utils::Mutex m_mutex;
     std::condition_variable_any m_changed;
     bool m_stop TARN_GUARDED_BY(m_mutex) = false;
     std::multiset<std::chrono::milliseconds> m_limits TARN_GUARDED_BY(m_mutex);
+    std::chrono::milliseconds m_pending TARN_GUARDED_BY(m_mutex) = longest; ///< as of the last look
     std::vector<std::unique_ptr<Call>> m_calls TARN_GUARDED_BY(m_mutex);
     std::thread m_thread;
 };
@@ -73,6 +81,13 @@ private:
 [[nodiscard]] constexpr std::chrono::milliseconds lookInterval(std::chrono::milliseconds limit)
 {
     return std::max(limit / 16, std::chrono::milliseconds{1});
+}
+
+/// Whether more than `limit` has passed since `start`. Never too early: `start` lies up to one look before what it
+/// stands for.
+[[nodiscard]] inline bool isOver(std::chrono::milliseconds limit, Watchdog::Ticks start)
+{
+    return Watchdog::now() > start + static_cast<Watchdog::Ticks>((limit + lookInterval(limit)).count());
 }
 
 } // namespace tarn::guard

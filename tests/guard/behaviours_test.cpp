@@ -110,12 +110,12 @@ TEST_F(GuardBehaviours, EndsARequestThatIsGivenUpLaterWithAnError)
 
 TEST_F(GuardBehaviours, EndsARequestThatIsNeverCompletedWithAnError)
 {
-    useLimit(shortLimit);
+    useLimit(returnLimit);
     FilesDone kept;
     offer([&](FilesDone done) { kept = std::move(done); });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(fileList().code, Error::TimedOut);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, shortLimit);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, returnLimit);
     const auto reports = breaches->await(1);
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_EQ(reports[0].breach, Breach::TimedOut);
@@ -134,6 +134,31 @@ TEST_F(GuardBehaviours, DoesNotCountTheTimeBeforeARequest)
         EXPECT_EQ(fileList().code, Error::TimedOut);
         EXPECT_GE(std::chrono::steady_clock::now() - start, shortLimit);
     }
+}
+
+TEST_F(GuardBehaviours, TakesALimitOfNothingOrLessForAVeryShortOne)
+{
+    using std::chrono::milliseconds;
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); });
+    for (const auto limit : {milliseconds{0}, milliseconds{-1}, milliseconds::min()}) {
+        useLimit(limit);
+        EXPECT_EQ(fileList().code, Error::TimedOut) << limit.count();
+    }
+}
+
+TEST_F(GuardBehaviours, TakesTheLongestLimitForOneOfYears)
+{
+    useLimit(std::chrono::milliseconds::max());
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); });
+    std::promise<Files> ended;
+    control()->fileList([&](Files files, std::error_code /*code*/) { ended.set_value(std::move(files)); });
+    auto end = ended.get_future();
+    EXPECT_EQ(end.wait_for(2 * shortLimit), std::future_status::timeout);
+    kept(someFiles, {});
+    EXPECT_EQ(end.get(), someFiles);
+    EXPECT_THAT(breaches->breaches(), IsEmpty());
 }
 
 TEST_F(GuardBehaviours, BearsACompletionAfterTheTimeOut)
@@ -260,6 +285,7 @@ TEST_F(GuardBehaviours, SaysThatAnOperationDoesNotReturnWhileAnotherSucceeds)
     const auto reports = breaches->await(1);
     ASSERT_EQ(reports.size(), 1U);
     EXPECT_EQ(reports[0].breach, Breach::NotReturned);
+    useLimit(std::chrono::seconds{20});
     EXPECT_EQ(fileList().files, someFiles);
     goOn.set_value();
     EXPECT_EQ(first.get().code, Error::TimedOut);

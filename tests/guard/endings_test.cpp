@@ -8,6 +8,31 @@ namespace tarn::guard {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+namespace {
+
+/// Does something before it notes that a request has taken too long.
+class ActingLog final : public IBreachObserver {
+public:
+    void onBreach(const BreachReport& report) noexcept override
+    {
+        if (report.breach == Breach::TimedOut || report.breach == Breach::NotReturned)
+            atTimeOut();
+        log.onBreach(report);
+    }
+
+    std::function<void()> atTimeOut;
+    BreachLog log;
+};
+
+/// Matches a report.
+auto is(Breach breach, unsigned completions)
+{
+    return testing::AllOf(testing::Field(&BreachReport::breach, breach),
+                          testing::Field(&BreachReport::completions, completions));
+}
+
+} // namespace
+
 /// How a request ends, seen by its caller and by the observer of breaches.
 class GuardEndings : public GuardTest { };
 
@@ -21,7 +46,7 @@ TEST_F(GuardEndings, AGivenUpRequestIsReportedBeforeItsCompletionIsCalled)
 
 TEST_F(GuardEndings, ATimeOutIsReportedBeforeTheCompletionIsCalled)
 {
-    useLimit(shortLimit);
+    useLimit(returnLimit);
     FilesDone kept;
     offer([&](FilesDone done) { kept = std::move(done); });
     std::promise<std::vector<Breach>> before;
@@ -42,33 +67,74 @@ TEST_F(GuardEndings, ATimeOutComesSoonAfterTheLimit)
 
 TEST_F(GuardEndings, ACompletionDuringTheReportOfATimeOutIsALateOne)
 {
-    class Waiting final : public IBreachObserver {
-    public:
-        void onBreach(const BreachReport& report) noexcept override
-        {
-            if (report.breach == Breach::TimedOut) {
-                reported.set_value();
-                goOn.get_future().wait();
-            }
-            log.onBreach(report);
-        }
-
-        std::promise<void> reported;
-        std::promise<void> goOn;
-        BreachLog log;
-    };
-    const auto observer = std::make_shared<Waiting>();
-    guarded = tarn::guard::guarded(device, {shortLimit, observer});
+    const auto observer = std::make_shared<ActingLog>();
+    guarded = tarn::guard::guarded(device, {returnLimit, observer});
     FilesDone kept;
     offer([&](FilesDone done) { kept = std::move(done); });
+    std::promise<void> reported;
+    std::promise<void> goOn;
+    observer->atTimeOut = [&] {
+        reported.set_value();
+        goOn.get_future().wait();
+    };
     auto ended = std::async(std::launch::async, [this] { return fileList().code; });
-    observer->reported.get_future().wait();
-    auto late = std::async(std::launch::async, [&] { kept(someFiles, {}); });
-    EXPECT_EQ(late.wait_for(std::chrono::milliseconds{50}), std::future_status::timeout);
-    observer->goOn.set_value();
-    late.get();
+    reported.get_future().wait();
+    kept(someFiles, {}); // waits for nobody
+    kept(someFiles, {});
+    EXPECT_THAT(observer->log.breaches(), IsEmpty());
+    goOn.set_value();
     EXPECT_EQ(ended.get(), Error::TimedOut);
-    EXPECT_THAT(observer->log.breaches(), ElementsAre(Breach::TimedOut, Breach::CompletedLate));
+    EXPECT_THAT(observer->log.await(3),
+                ElementsAre(is(Breach::TimedOut, 0), is(Breach::CompletedLate, 1), is(Breach::CompletedLate, 2)));
+}
+
+TEST_F(GuardEndings, TheObserverOfATimeOutMayLetTheDeviceGo)
+{
+    const auto observer = std::make_shared<ActingLog>();
+    guarded = tarn::guard::guarded(device, {returnLimit, observer});
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); })->atEnd = [&] { kept(someFiles, {}); };
+    std::promise<std::error_code> ended;
+    control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
+    observer->atTimeOut = [&] {
+        guarded.reset();
+        device.reset();
+    };
+    EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
+    EXPECT_THAT(observer->log.await(2), ElementsAre(is(Breach::TimedOut, 0), is(Breach::CompletedLate, 1)));
+}
+
+TEST_F(GuardEndings, ACompletionInsideTheCallersCompletionIsOneTooMany)
+{
+    FilesDone kept;
+    offer([&](const FilesDone& done) {
+        kept = done;
+        done(someFiles, {});
+    });
+    int completed = 0;
+    control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
+        ++completed;
+        kept({}, {});
+        kept({}, {});
+        EXPECT_THAT(breaches->breaches(), IsEmpty());
+    });
+    EXPECT_EQ(completed, 1);
+    EXPECT_THAT(breaches->await(2), ElementsAre(is(Breach::CompletedAgain, 2), is(Breach::CompletedAgain, 3)));
+}
+
+TEST_F(GuardEndings, TheCallersCompletionMayLeadToTheEndOfTheDevices)
+{
+    std::unique_ptr<FilesDone> kept;
+    offer([&](FilesDone done) { kept = std::make_unique<FilesDone>(std::move(done)); });
+    std::error_code second = std::make_error_code(std::errc::no_message);
+    control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
+        kept.reset();
+        control()->fileList([&](const Files& /*files*/, std::error_code code) { second = code; });
+    });
+    (*kept)(someFiles, {});
+    (*kept)(someFiles, {});
+    EXPECT_EQ(second, std::error_code{});
+    EXPECT_THAT(breaches->breaches(), IsEmpty());
 }
 
 TEST_F(GuardEndings, ACompletionBeforeAThrowIsCountedOnce)
@@ -93,13 +159,63 @@ TEST_F(GuardEndings, NothingOfTheCallersCompletionIsKeptAfterItsEnd)
     auto captured = std::make_shared<int>(0);
     const std::weak_ptr<int> observed = captured;
     control()->fileList([captured = std::move(captured)](const Files& /*files*/, std::error_code /*code*/) { });
-    kept = nullptr;
     EXPECT_TRUE(observed.expired());
+}
+
+TEST_F(GuardEndings, NothingOfTheCallersCompletionIsKeptAfterATimeOut)
+{
+    useLimit(shortLimit);
+    FilesDone kept;
+    offer([&](FilesDone done) { kept = std::move(done); });
+    const auto atItsEnd = [this](std::promise<void>* gone) {
+        return std::shared_ptr<void>{this, [gone](void* /*fixture*/) { gone->set_value(); }};
+    };
+    std::promise<void> gone;
+    control()->fileList([captured = atItsEnd(&gone)](const Files& /*files*/, std::error_code /*code*/) { });
+    gone.get_future().wait();
+    EXPECT_TRUE(kept);
+}
+
+TEST_F(GuardEndings, NothingOfTheCallersCompletionIsKeptAfterAThrow)
+{
+    FilesDone kept;
+    offer([&](FilesDone done) {
+        kept = std::move(done);
+        throw std::runtime_error{"device"};
+    });
+    auto captured = std::make_shared<int>(0);
+    const std::weak_ptr<int> observed = captured;
+    EXPECT_THROW(
+        control()->fileList([captured = std::move(captured)](const Files& /*files*/, std::error_code /*code*/) { }),
+        std::runtime_error);
+    EXPECT_TRUE(observed.expired());
+}
+
+TEST_F(GuardEndings, AnExceptionWaitsForTheEndOfATimeOut)
+{
+    const auto observer = std::make_shared<ActingLog>();
+    guarded = tarn::guard::guarded(device, {shortLimit, observer});
+    std::promise<void> reported;
+    std::atomic<bool> isOver = false;
+    offer([&](const FilesDone& /*done*/) {
+        reported.get_future().wait();
+        throw std::runtime_error{"device"};
+    });
+    observer->atTimeOut = [&] {
+        reported.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds{20});
+    };
+    EXPECT_THROW(control()->fileList([&](const Files& /*files*/, std::error_code code) {
+        EXPECT_EQ(code, Error::TimedOut);
+        isOver = true;
+    }),
+                 std::runtime_error);
+    EXPECT_TRUE(isOver);
+    EXPECT_THAT(observer->log.breaches(), ElementsAre(Breach::NotReturned));
 }
 
 TEST_F(GuardEndings, ARequestAfterAnotherIsJudgedByItself)
 {
-    useLimit(shortLimit);
     std::promise<void> goOn;
     int calls = 0;
     offer([&](const FilesDone& done) {
@@ -108,6 +224,7 @@ TEST_F(GuardEndings, ARequestAfterAnotherIsJudgedByItself)
         done(someFiles, {});
     });
     EXPECT_EQ(fileList().files, someFiles);
+    useLimit(shortLimit);
     auto observer = std::async(std::launch::async, [&] {
         const auto reports = breaches->await(1);
         goOn.set_value();

@@ -34,13 +34,13 @@ const std::error_code success;
 const std::error_code failure = std::make_error_code(std::errc::io_error);
 
 /// How long a request may take in these tests: long enough for a thread that has to wait for its turn.
-constexpr std::chrono::milliseconds limit{300};
+constexpr std::chrono::milliseconds limit{2000};
 
 /// Notifies progress for longer than a request may take without.
 template <class Observer>
 void progress(Observer& observer, void (Observer::*notification)(unsigned int, unsigned int))
 {
-    const auto end = std::chrono::steady_clock::now() + 2 * limit;
+    const auto end = std::chrono::steady_clock::now() + limit * 3 / 2;
     for (unsigned int i = 0; std::chrono::steady_clock::now() < end; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds{5});
         (observer.*notification)(i, i);
@@ -130,6 +130,9 @@ protected:
     std::shared_ptr<tests::FakeVna> device = std::make_shared<tests::FakeVna>();
     std::shared_ptr<BreachLog> breaches = std::make_shared<BreachLog>();
     std::shared_ptr<sdk::IVna> guarded = tarn::guard::guarded(device, {limit, breaches});
+
+private:
+    const tests::Watchdog m_watchdog;
 };
 
 class GuardedFileMemory : public Guarded<FileMemory, tests::MockFileMemoryControl> { };
@@ -200,22 +203,30 @@ TEST_F(GuardedMemoryOperations, PassesObserversAndItsQueryOn)
 
 TEST_F(GuardedMemoryOperations, WaitsAsLongAsThereIsProgressOfAnyKind)
 {
+    const auto codeWhile = [this](Notification notification) {
+        const auto operations = std::make_shared<NiceMock<tests::MockMemoryOperationsControl>>();
+        const auto vna = std::make_shared<tests::FakeVna>();
+        vna->offer<IMemoryOperationsControl>(IMemoryOperationsControl::key, operations);
+        Observer* observer = nullptr;
+        EXPECT_CALL(*operations, addObserver).WillOnce(testing::SaveArg<0>(&observer));
+        sdk::Completion<> end;
+        EXPECT_CALL(*operations, erase).WillOnce(testing::SaveArg<0>(&end));
+        std::promise<std::error_code> ended;
+        tarn::guard::guarded(vna, {limit, breaches})
+            ->control<IMemoryOperationsControl>(IMemoryOperationsControl::key)
+            ->erase([&](std::error_code code) { ended.set_value(code); });
+        progress(*observer, notification);
+        end({});
+        return ended.get_future().get();
+    };
+    std::vector<std::future<std::error_code>> codes; // of requests at the same time
     for (const Notification notification :
          {&Observer::onReadProgressChanged, &Observer::onWriteProgressChanged, &Observer::onEraseProgressChanged,
-          &Observer::onIntegrityCheckProgressChanged}) {
-        device->offer<IMemoryOperationsControl>(
-            IMemoryOperationsControl::key, mock = std::make_shared<NiceMock<tests::MockMemoryOperationsControl>>());
-        Observer* observer = nullptr;
-        EXPECT_CALL(*mock, addObserver).WillOnce(testing::SaveArg<0>(&observer));
-        std::jthread thread;
-        EXPECT_CALL(*mock, erase).WillOnce([&](sdk::Completion<> done) {
-            thread = std::jthread{[&, done = std::move(done)] {
-                progress(*observer, notification);
-                done({});
-            }};
-        });
-        EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
-    }
+          &Observer::onIntegrityCheckProgressChanged})
+        codes.push_back(std::async(std::launch::async, codeWhile, notification));
+    for (auto& one : codes)
+        EXPECT_EQ(one.get(), success);
+    EXPECT_THAT(breaches->breaches(), testing::IsEmpty());
 }
 
 TEST_F(GuardedMemoryOperations, HearsTheProgressOfARequestThatOutlastsADrop)
@@ -234,6 +245,37 @@ TEST_F(GuardedMemoryOperations, HearsTheProgressOfARequestThatOutlastsADrop)
         }};
     });
     EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
+}
+
+TEST_F(GuardedMemoryOperations, DoNotObserveWhatWasDropped)
+{
+    EXPECT_CALL(*mock, addObserver).Times(0);
+    const auto held = control();
+    device->announceRelease();
+    device->drop(IMemoryOperationsControl::key);
+    held->erase([](std::error_code) { });
+}
+
+TEST_F(GuardedMemoryOperations, DoNotGoOnObservingWhatIsDroppedMeanwhile)
+{
+    Observer* observer = nullptr;
+    EXPECT_CALL(*mock, addObserver).WillOnce([&](Observer* added) {
+        observer = added;
+        device->announceRelease();
+    });
+    EXPECT_CALL(*mock, removeObserver).WillOnce([&](Observer* removed) { EXPECT_EQ(removed, observer); });
+    control()->erase([](std::error_code) { });
+    EXPECT_NE(observer, nullptr);
+}
+
+TEST_F(GuardedMemoryOperations, MayBeObservedTwiceAtOnce)
+{
+    EXPECT_CALL(*mock, addObserver).WillOnce([this](Observer* /*added*/) {
+        EXPECT_CALL(*mock, addObserver).Times(1);
+        device->announceAvailable();
+    });
+    EXPECT_CALL(*mock, removeObserver).Times(0);
+    control()->erase([](std::error_code) { });
 }
 
 TEST_F(GuardedMemoryOperations, CanBeToldOfProgressOfAControlThatIsGone)
@@ -306,10 +348,30 @@ TEST_F(GuardedSerialNumber, WaitsAsLongAsAWriteProgresses)
 
 TEST_F(GuardedSerialNumber, HearsTheProgressOfAWriteThatOutlastsADrop)
 {
-    const auto next = std::make_shared<NiceMock<tests::MockMemorySerialNumberControl>>();
-    EXPECT_CALL(*next, addObserver(testing::NotNull()));
-    device->offer<IMemorySerialNumberControl>(IMemorySerialNumberControl::key, next);
-    device->announceAvailable();
+    std::jthread thread;
+    EXPECT_CALL(*mock, writeSerialNumber).WillOnce([&](unsigned int, sdk::Completion<> done) {
+        thread = std::jthread{[&, done = std::move(done)] {
+            const auto next = std::make_shared<NiceMock<tests::MockMemorySerialNumberControl>>();
+            Observer* observer = nullptr;
+            EXPECT_CALL(*next, addObserver).WillOnce(testing::SaveArg<0>(&observer));
+            device->announceRelease();
+            device->offer<IMemorySerialNumberControl>(IMemorySerialNumberControl::key, next);
+            device->announceAvailable();
+            progress(*observer, &Observer::onWriteProgressChanged);
+            done({});
+        }};
+    });
+    EXPECT_EQ(code([](IMemorySerialNumberControl& control, auto done) { control.writeSerialNumber(1, done); }),
+              success);
+}
+
+TEST_F(GuardedSerialNumber, DoesNotObserveWhatWasDropped)
+{
+    EXPECT_CALL(*mock, addObserver).Times(0);
+    const auto held = control();
+    device->announceRelease();
+    device->drop(IMemorySerialNumberControl::key);
+    held->writeSerialNumber(1, [](std::error_code) { });
 }
 
 class GuardedUsbIdentity : public Guarded<IMemoryUsbIdControl, tests::MockMemoryUsbIdControl> { };

@@ -125,7 +125,8 @@ struct Heard {
 /// A simulated instrument behind a guard, switched on for requests and off again. Its time stands still.
 class GuardedInstrument : public testing::TestWithParam<CompletionMode> {
 protected:
-    static constexpr std::chrono::milliseconds impatient{500}; ///< but with what takes its time
+    static constexpr std::chrono::milliseconds hasty{100}; ///< for what never comes
+    static constexpr std::chrono::milliseconds impatient{1000}; ///< but with what returns at once
     static constexpr std::chrono::milliseconds patient = 1h;
 
     static FaultPlan planOf(Misbehaviour misbehaviour)
@@ -151,6 +152,7 @@ protected:
         EXPECT_THAT(prepared->await(), testing::ElementsAre(success));
         device->faults().setPlan(plan);
         breaches = std::make_shared<BreachLog>();
+        guardedForOthers = tarn::guard::guarded(device, {patient, breaches});
         guarded = tarn::guard::guarded(std::move(device), {limit, breaches});
         watchControls();
     }
@@ -194,6 +196,7 @@ protected:
     void switchOff(const std::vector<Heard>& expected, std::size_t completions = 1)
     {
         watchControls();
+        guardedForOthers.reset();
         guarded.reset();
         if (hanging.valid())
             hanging.get();
@@ -210,6 +213,7 @@ protected:
     std::shared_ptr<simulator::ManualClock> clock = std::make_shared<simulator::ManualClock>();
     std::shared_ptr<BreachLog> breaches;
     std::shared_ptr<sdk::IVna> guarded;
+    std::shared_ptr<sdk::IVna> guardedForOthers; ///< the same instrument
     SimulatedVna* instrument = nullptr;
     std::future<void> hanging;
 
@@ -417,13 +421,13 @@ TEST_P(GuardedInstrument, ThatDoesNotReturnAnswersOthers)
     for (const auto& operation : operations()) {
         if (!tried.insert(operation.control).second)
             continue; // it takes its time
-        switchOn(plan, impatient);
+        switchOn(plan, hasty);
         const auto others = std::make_shared<Ends>();
-        operation.make(*guarded, End{others});
+        operation.make(*guardedForOthers, End{others});
         EXPECT_EQ(others->await().size(), 1U) << operation.name;
         hanging = std::async(std::launch::async, [&] { request(operation); });
         EXPECT_EQ(breaches->await(1).size(), 1U) << operation.name;
-        operation.make(*guarded, End{others});
+        operation.make(*guardedForOthers, End{others});
         EXPECT_THAT(others->await(2), testing::ElementsAre(success, success)) << operation.name;
         EXPECT_EQ(hanging.wait_for(0ms), std::future_status::timeout) << operation.name;
         EXPECT_EQ(outcome(), Error::TimedOut) << operation.name;
@@ -458,6 +462,7 @@ TEST_P(GuardedInstrument, AnswersEachOfManyCallersOnce)
             });
         }
         callers.clear();
+        guardedForOthers.reset();
         guarded.reset();
         for (const auto& one : all)
             EXPECT_EQ(one->soFar().size(), 1U);
