@@ -20,7 +20,7 @@ enum class Breach : std::uint8_t {
     CompletedAndThrew, ///< called it, and the operation threw
     Dropped, ///< gave all its copies of it up uncalled: the caller got `Error::Dropped`
     TimedOut, ///< has not called it within the limit: the caller got `Error::TimedOut`
-    NotReturned, ///< as `TimedOut`, and the operation itself has not returned: its caller goes on waiting
+    NotReturned, ///< as `TimedOut`, and the operation itself has not returned: the call stays in the device
 };
 
 /// One breach. The request is named by the interface's key and the operation.
@@ -41,8 +41,8 @@ public:
 
     /// A request that the guard ends has not ended yet: its caller waits for this to return.
     ///
-    /// Threads: called on the thread that noticed, one of the device, the caller's or the guard's own, by several at a
-    /// time, with no lock held.
+    /// Threads: called on the thread that noticed, or that was ending the request just then: one of the device, the
+    /// caller's or the guard's own; by several at a time, with no lock held.
     virtual void onBreach(const BreachReport& report) noexcept = 0;
 
     /// An operation of the device has come further.
@@ -53,7 +53,7 @@ public:
 
 struct Options {
     /// How long a request may take without progress of any operation of the device. It is noticed up to an eighth of it
-    /// later.
+    /// later. Less than a millisecond counts as one, more than ten years as ten.
     std::chrono::milliseconds limit = std::chrono::seconds{30};
 
     std::shared_ptr<IBreachObserver> observer; ///< may be null
@@ -66,9 +66,10 @@ struct Options {
 /// A handle to a guarded control lives and dies with the device's control. Guarded controls can be used after the
 /// guarded device has gone, as far as those of `device` can.
 ///
-/// Threads: thread-safe; at once. The first call starts the guard's thread. What it returns is thread-safe, as `device`
-/// is. A call that is held up inside the device stays held up: the observer learns of it, and what the device completes
-/// later is harmless.
+/// Threads: thread-safe; calls through, to observe `device`. The first call starts the guard's thread. What it returns
+/// is thread-safe, as `device` is; to let go of it blocks while `device` notifies it on another thread. A request that
+/// is held up inside the device stays held up: the observer learns of it, and what the device completes later is
+/// harmless. Any other call that is held up stays so, and nobody learns of it.
 [[nodiscard]] TARN_GUARD_EXPORT std::shared_ptr<sdk::IVna> guarded(std::shared_ptr<sdk::IVna> device, Options options);
 
 } // namespace tarn::guard

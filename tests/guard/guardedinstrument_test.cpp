@@ -200,7 +200,8 @@ protected:
         guarded.reset();
         if (hanging.valid())
             hanging.get();
-        EXPECT_EQ(breaches->breaches().size(), requests.size() * expected.size());
+        const auto reports = requests.size() * expected.size();
+        EXPECT_EQ(breaches->await(reports).size(), reports);
         for (const auto& one : requests) {
             EXPECT_EQ(one.ends->soFar().size(), completions) << one.operation.name;
             EXPECT_TRUE(isLetGo(one.ends)) << one.operation.name;
@@ -350,7 +351,7 @@ TEST_P(GuardedInstrument, MayCompleteLateAfterTheTimeOut)
     switchOn(planOf(Misbehaviour::Late), impatient);
     expectTimeOuts();
     beLate();
-    EXPECT_EQ(breaches->breaches().size(), 2 * operations().size());
+    EXPECT_EQ(breaches->await(2 * operations().size()).size(), 2 * operations().size());
     switchOff({{Breach::TimedOut, 0}, {Breach::CompletedLate, 1}});
 }
 

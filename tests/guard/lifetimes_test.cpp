@@ -160,7 +160,8 @@ TEST_F(GuardLifetimes, ARequestThatOutlivesEverythingTimesOut)
     std::promise<std::error_code> ended;
     const auto start = std::chrono::steady_clock::now();
     control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
-    guarded.reset();
+    device->drop(FileMemory::key);
+    guarded.reset(); // and what belonged to the control
     device.reset();
     EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
     EXPECT_GE(std::chrono::steady_clock::now() - start, shortLimit);
