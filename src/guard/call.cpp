@@ -47,7 +47,8 @@ std::chrono::milliseconds Call::look()
 {
     if (!tryRetain())
         return longest;
-    if (const auto host = m_host.lock())
+    const auto host = m_host.lock(); // hears of everything, whatever it leads to
+    if (host)
         m_since = std::max(m_since, host->lastProgress());
     const auto limit = m_limit;
     if (isOver(limit, m_since) && claim(Phase::TimingOut, holder)) {
@@ -80,7 +81,7 @@ void Call::report(Breach breach, unsigned completions) const noexcept
 void Call::reportCompletion()
 {
     const auto before = m_state.fetch_add(completion, std::memory_order_acq_rel);
-    if (!isEnding(before)) // otherwise it is reported by who ends the request: this thread may be in the middle of that
+    if (phaseOf(before) != Phase::TimingOut) // then the time-out is told first, by a thread that may wait for this one
         reportCompletion(before, moreCompletionsOf(before) + 1);
 }
 

@@ -157,13 +157,12 @@ private:
     void finish()
     {
         auto state = m_state.load(std::memory_order_acquire);
-        for (unsigned reported = 0;;) {
-            for (; reported != moreCompletionsOf(state); ++reported)
-                reportCompletion(state, reported + 1);
-            if (m_state.compare_exchange_weak(state, state + 1 - holder, std::memory_order_acq_rel,
-                                              std::memory_order_acquire))
-                break;
-        }
+        unsigned reported = 0;
+        do {
+            while (phaseOf(state) == Phase::TimingOut && reported != moreCompletionsOf(state))
+                reportCompletion(state, ++reported);
+        } while (!m_state.compare_exchange_weak(state, state + 1 - holder, std::memory_order_acq_rel,
+                                                std::memory_order_acquire));
         if ((state & awaited) != 0)
             m_state.notify_all();
         if (holdersOf(state) == 1)

@@ -41,8 +41,8 @@ public:
 
     /// A request that the guard ends has not ended yet: its caller waits for this to return.
     ///
-    /// Threads: called on the thread that noticed, or that was ending the request just then: one of the device, the
-    /// caller's or the guard's own; by several at a time, with no lock held.
+    /// Threads: called on the thread that noticed, one of the device, the caller's or the guard's own, by several at a
+    /// time, with no lock held.
     virtual void onBreach(const BreachReport& report) noexcept = 0;
 
     /// An operation of the device has come further.

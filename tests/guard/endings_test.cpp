@@ -97,8 +97,8 @@ TEST_F(GuardEndings, TheObserverOfATimeOutMayLetTheDeviceGo)
     std::promise<std::error_code> ended;
     control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
     observer->atTimeOut = [&] {
-        guarded.reset();
         device.reset();
+        guarded.reset(); // the last that has the device
     };
     EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
     EXPECT_THAT(observer->log.await(2), ElementsAre(is(Breach::TimedOut, 0), is(Breach::CompletedLate, 1)));
@@ -116,10 +116,9 @@ TEST_F(GuardEndings, ACompletionInsideTheCallersCompletionIsOneTooMany)
         ++completed;
         kept({}, {});
         kept({}, {});
-        EXPECT_THAT(breaches->breaches(), IsEmpty());
     });
     EXPECT_EQ(completed, 1);
-    EXPECT_THAT(breaches->await(2), ElementsAre(is(Breach::CompletedAgain, 2), is(Breach::CompletedAgain, 3)));
+    EXPECT_THAT(breaches->await(0), ElementsAre(is(Breach::CompletedAgain, 2), is(Breach::CompletedAgain, 3)));
 }
 
 TEST_F(GuardEndings, TheCallersCompletionMayLeadToTheEndOfTheDevices)
