@@ -45,6 +45,7 @@ void Watchdog::release(std::chrono::milliseconds limit)
 {
     const utils::MutexLock lock{m_mutex};
     m_limits.erase(m_limits.find(limit));
+    m_left = std::min(m_left, limit);
 }
 
 Call& Watchdog::add(std::unique_ptr<Call> call)
@@ -71,30 +72,29 @@ void Watchdog::run()
             = std::min(std::chrono::duration_cast<std::chrono::milliseconds>(look - lastLook), interval());
         s_now.store(now() + static_cast<Ticks>(elapsed.count()), std::memory_order_relaxed);
         lastLook = look;
-        m_pending = lookAtAll();
+        lookAtAll();
         if (!m_stop) // may have been set, and told, while a call was looked at
             m_changed.wait_for(m_mutex, interval());
     }
     m_mutex.unlock();
 }
 
-std::chrono::milliseconds Watchdog::lookAtAll()
+void Watchdog::lookAtAll()
 {
-    auto limit = longest;
+    m_left = longest;
     // NOLINTNEXTLINE(modernize-loop-convert): others may be added meanwhile
     for (std::size_t i = 0; i < m_calls.size(); ++i) {
         auto& call = *m_calls[i];
         m_mutex.unlock();
-        limit = std::min(limit, call.look());
+        const auto limit = call.look();
         m_mutex.lock();
+        m_left = std::min(m_left, limit);
     }
-    return limit;
 }
 
 std::chrono::milliseconds Watchdog::interval() const
 {
-    const auto limit = m_limits.empty() ? m_pending : std::min(m_pending, *m_limits.begin());
-    return lookInterval(limit);
+    return lookInterval(m_limits.empty() ? m_left : std::min(m_left, *m_limits.begin()));
 }
 
 } // namespace tarn::guard

@@ -63,8 +63,8 @@ private:
     /// How long to wait until the next look.
     [[nodiscard]] std::chrono::milliseconds interval() const TARN_REQUIRES(m_mutex);
 
-    /// Ends what takes too long. The shortest limit of what is left, which may be of a guarded device that is gone.
-    [[nodiscard]] std::chrono::milliseconds lookAtAll() TARN_REQUIRES(m_mutex);
+    /// Ends what takes too long.
+    void lookAtAll() TARN_REQUIRES(m_mutex);
 
     static inline std::atomic<Ticks> s_now = 1;
 
@@ -72,7 +72,9 @@ private:
     std::condition_variable_any m_changed;
     bool m_stop TARN_GUARDED_BY(m_mutex) = false;
     std::multiset<std::chrono::milliseconds> m_limits TARN_GUARDED_BY(m_mutex);
-    std::chrono::milliseconds m_pending TARN_GUARDED_BY(m_mutex) = longest; ///< as of the last look
+    /// Of the requests that the last look has left, and of those that may have been made since and are no longer among
+    /// `m_limits`: the shortest.
+    std::chrono::milliseconds m_left TARN_GUARDED_BY(m_mutex) = longest;
     std::vector<std::unique_ptr<Call>> m_calls TARN_GUARDED_BY(m_mutex);
     std::thread m_thread;
 };
