@@ -17,7 +17,7 @@ void Call::prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::str
     m_operation = operation;
     m_callersThread = thisThread();
     m_since = Watchdog::now();
-    m_state.store(2 * holder + static_cast<State>(Phase::Pending), std::memory_order_release);
+    m_state.store((2 * holder) | static_cast<State>(Phase::Pending), std::memory_order_release);
 }
 
 void Call::free()

@@ -157,12 +157,13 @@ private:
     void finish()
     {
         auto state = m_state.load(std::memory_order_acquire);
-        unsigned reported = 0;
-        do {
+        for (unsigned reported = 0;;) {
             while (phaseOf(state) == Phase::TimingOut && reported != moreCompletionsOf(state))
                 reportCompletion(state, ++reported);
-        } while (!m_state.compare_exchange_weak(state, state + 1 - holder, std::memory_order_acq_rel,
-                                                std::memory_order_acquire));
+            if (m_state.compare_exchange_weak(state, state + 1 - holder, std::memory_order_acq_rel,
+                                              std::memory_order_acquire))
+                break;
+        }
         if ((state & awaited) != 0)
             m_state.notify_all();
         if (holdersOf(state) == 1)

@@ -15,6 +15,9 @@ class Pool;
 template <class Type>
 class Pooled {
     friend class Pool<Type>;
+    friend Type;
+
+    Pooled() = default;
 
     Type* m_next = nullptr; ///< of the free objects
 };
