@@ -94,12 +94,12 @@ TEST_F(GuardEndings, TheObserverOfATimeOutMayLetTheDeviceGo)
     guarded = tarn::guard::guarded(device, {returnLimit, observer});
     FilesDone kept;
     offer([&](FilesDone done) { kept = std::move(done); })->atEnd = [&] { kept(someFiles, {}); };
-    std::promise<std::error_code> ended;
-    control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
     observer->atTimeOut = [&] {
         device.reset();
         guarded.reset(); // the last that has the device
     };
+    std::promise<std::error_code> ended;
+    control()->fileList([&](const Files& /*files*/, std::error_code code) { ended.set_value(code); });
     EXPECT_EQ(ended.get_future().get(), Error::TimedOut);
     EXPECT_THAT(observer->log.await(2), ElementsAre(is(Breach::TimedOut, 0), is(Breach::CompletedLate, 1)));
 }
