@@ -1,18 +1,21 @@
 #include <console/pluginfile.h>
 
-#include <provider/ideviceprovider.h>
+#include <console/providercatalogue.h>
 
 #include <QCryptographicHash>
 #include <QFile>
+#include <QFileInfo>
 #include <QPluginLoader>
 
-#include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <thread>
 
 #include <elf.h>
 #include <fcntl.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,70 +24,67 @@ namespace tarn::console {
 
 namespace {
 
-/// The table of sections is the last thing in a file that a linker has written.
-bool isCutOff(QFile& file)
-{
-    Elf64_Ehdr header{};
-    if (file.read(reinterpret_cast<char*>(&header), sizeof(header)) != sizeof(header))
-        return true;
-    const auto rest = static_cast<std::uint64_t>(file.size()) - sizeof(header);
-    const auto table = std::uint64_t{header.e_shnum} * header.e_shentsize;
-    return table > rest || header.e_shoff > sizeof(header) + rest - table;
-}
+using namespace std::chrono_literals;
 
-/// Whether the file is what its checksum says. That stands next to it, as `sha256sum` writes it; nothing if there is
-/// none.
-std::optional<bool> agreesWithChecksum(const QString& name, QFile& file)
+/// Much longer than any plug-in takes to load, on a busy computer too.
+constexpr auto longestTrial = 10s;
+
+/// The first line of the checksum that lies next to a file; nothing if there is none.
+std::optional<QByteArray> checksumOf(const QString& file)
 {
-    QFile checksum{name + QStringLiteral(".sha256")};
-    if (!checksum.open(QIODevice::ReadOnly))
+    constexpr qint64 longestLine = 4096;
+    QFile checksum{file + QStringLiteral(".sha256")};
+    if (!QFileInfo{checksum}.isFile() || !checksum.open(QIODevice::ReadOnly))
         return std::nullopt;
-    QCryptographicHash hash{QCryptographicHash::Sha256};
-    file.seek(0);
-    return hash.addData(&file) && checksum.readAll().startsWith(hash.result().toHex());
+    return checksum.readLine(longestLine);
 }
 
 /// What a host does with every provider that it finds, but for looking for instruments.
 void use(const QString& file)
 {
     QPluginLoader loader{file};
-    if (const auto* const provider = qobject_cast<provider::IDeviceProvider*>(loader.instance())) {
-        static_cast<void>(provider->name());
-        static_cast<void>(provider->description());
-        static_cast<void>(provider->addressSyntax());
-        static_cast<void>(provider->addressOptions());
-    }
+    if (auto* const provider = qobject_cast<provider::IDeviceProvider*>(loader.instance()))
+        static_cast<void>(ProviderCatalogue::Loaded{file, *provider});
     loader.unload();
 }
 
-/// In a process of its own, which leaves nothing behind.
+/// In a process of its own, which leaves nothing behind and goes with the one that started it.
 [[noreturn]] void tryOut(const QString& file)
 {
-    constexpr unsigned int secondsToLoad = 10;
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     constexpr rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
     if (const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC); nowhere >= 0) {
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             ::dup2(nowhere, stream);
     }
-    ::signal(SIGALRM, SIG_DFL);
-    ::alarm(secondsToLoad);
     use(file);
     ::_exit(EXIT_SUCCESS);
 }
 
-/// How the process ends in which the file is used.
-int outcomeOfUse(const QString& file)
+/// How `child` ends; nothing if it had to be ended.
+std::optional<int> outcomeOf(pid_t child)
+{
+    int status = 0;
+    for (auto left = longestTrial / 1ms; left > 0; --left) {
+        if (::waitpid(child, &status, WNOHANG) != 0)
+            return status;
+        std::this_thread::sleep_for(1ms);
+    }
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    return std::nullopt;
+}
+
+/// How the process ends in which the file is used; nothing if that does not come to an end.
+std::optional<int> outcomeOfUse(const QString& file)
 {
     const auto child = ::fork();
     if (child < 0)
         return EXIT_SUCCESS; // it cannot be tried; the use itself will tell
     if (child == 0)
         tryOut(file);
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR)
-        ;
-    return status;
+    return outcomeOf(child);
 }
 
 } // namespace
@@ -96,17 +96,35 @@ std::optional<QString> damageOf(const QString& file)
         return QStringLiteral("it cannot be read: %1").arg(contents.errorString());
     if (isCutOff(contents))
         return QStringLiteral("it is damaged: its end is missing");
-    if (const auto agrees = agreesWithChecksum(file, contents)) {
-        if (*agrees)
+    if (const auto checksum = checksumOf(file)) {
+        if (agreesWith(*checksum, contents))
             return std::nullopt;
         return QStringLiteral("it is damaged: it does not agree with its checksum");
     }
-    const int outcome = outcomeOfUse(file);
-    if (WIFSIGNALED(outcome) && WTERMSIG(outcome) == SIGALRM)
+    const auto outcome = outcomeOfUse(file);
+    if (!outcome)
         return QStringLiteral("loading it does not come to an end");
     if (outcome != EXIT_SUCCESS)
         return QStringLiteral("it is damaged: loading it ends the program");
     return std::nullopt;
+}
+
+bool isCutOff(QIODevice& contents)
+{
+    Elf64_Ehdr header{};
+    contents.seek(0);
+    if (contents.read(reinterpret_cast<char*>(&header), sizeof(header)) != sizeof(header))
+        return true;
+    const auto size = static_cast<std::uint64_t>(contents.size());
+    const auto table = std::uint64_t{header.e_shnum} * header.e_shentsize;
+    return table > size || header.e_shoff > size - table;
+}
+
+bool agreesWith(const QByteArray& checksum, QIODevice& contents)
+{
+    QCryptographicHash hash{QCryptographicHash::Sha256};
+    contents.seek(0);
+    return hash.addData(&contents) && checksum.startsWith(hash.result().toHex());
 }
 
 } // namespace tarn::console

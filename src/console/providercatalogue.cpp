@@ -11,6 +11,7 @@
 #include <QPluginLoader>
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn::console {
 
@@ -26,6 +27,17 @@ QStringList searchFolders()
 
 } // namespace
 
+ProviderCatalogue::Loaded::Loaded(QString libraryFile, provider::IDeviceProvider& itsProvider)
+    : file{std::move(libraryFile)}
+    , provider{&itsProvider}
+    , name{itsProvider.name()}
+    , description{itsProvider.description()}
+    , addressSyntax{itsProvider.addressSyntax()}
+    , addressOptions{itsProvider.addressOptions()}
+    , isSimulated{itsProvider.isSimulated()}
+{
+}
+
 ProviderCatalogue::ProviderCatalogue()
     : m_folders{searchFolders()}
 {
@@ -34,22 +46,21 @@ ProviderCatalogue::ProviderCatalogue()
             const auto file = entry.absoluteFilePath();
             if (!QLibrary::isLibrary(file))
                 continue;
-            if (const auto provider = load(file))
-                m_loaded.push_back({file, *provider});
+            if (auto loaded = load(file))
+                m_loaded.push_back(*std::move(loaded));
             else
-                m_refused.push_back({file, provider.error()});
+                m_refused.push_back({file, loaded.error()});
         }
     }
 }
 
-provider::IDeviceProvider* ProviderCatalogue::find(const QString& name) const
+const ProviderCatalogue::Loaded* ProviderCatalogue::find(const QString& name) const
 {
-    const auto named = [&](const Loaded& loaded) { return loaded.provider->name() == name; };
-    const auto found = std::ranges::find_if(m_loaded, named);
-    return found == m_loaded.end() ? nullptr : found->provider;
+    const auto found = std::ranges::find(m_loaded, name, &Loaded::name);
+    return found == m_loaded.end() ? nullptr : &*found;
 }
 
-std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const QString& file) const
+std::expected<ProviderCatalogue::Loaded, QString> ProviderCatalogue::load(const QString& file) const
 {
     if (!QFileInfo{file}.isFile())
         return std::unexpected{QStringLiteral("it is not a file")};
@@ -70,9 +81,10 @@ std::expected<provider::IDeviceProvider*, QString> ProviderCatalogue::load(const
     if (!provider)
         return std::unexpected{QStringLiteral("its root object is a %1, which is not a device provider")
                                    .arg(QLatin1StringView{root->metaObject()->className()})};
-    if (find(provider->name()))
-        return std::unexpected{QStringLiteral("there is a provider named '%1' already").arg(provider->name())};
-    return provider;
+    Loaded loaded{file, *provider};
+    if (find(loaded.name))
+        return std::unexpected{QStringLiteral("there is a provider named '%1' already").arg(loaded.name)};
+    return loaded;
 }
 
 } // namespace tarn::console

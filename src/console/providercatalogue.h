@@ -2,6 +2,7 @@
 
 #include <provider/ideviceprovider.h>
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -19,9 +20,17 @@ namespace tarn::console {
 /// `NAME.so.sha256`, as `sha256sum` writes it; then one that was changed is refused.
 class ProviderCatalogue {
 public:
+    /// A provider with what it says of itself, so that nobody has to ask it again.
     struct Loaded {
+        Loaded(QString file, provider::IDeviceProvider& provider);
+
         QString file;
         provider::IDeviceProvider* provider; ///< lives until the program ends
+        QString name;
+        QString description;
+        QString addressSyntax;
+        QList<provider::AddressOption> addressOptions;
+        bool isSimulated;
     };
 
     /// A file that is no provider of ours, and why.
@@ -37,10 +46,10 @@ public:
     [[nodiscard]] const std::vector<Refused>& refused() const { return m_refused; }
 
     /// The provider of that name, or null.
-    [[nodiscard]] provider::IDeviceProvider* find(const QString& name) const;
+    [[nodiscard]] const Loaded* find(const QString& name) const;
 
 private:
-    [[nodiscard]] std::expected<provider::IDeviceProvider*, QString> load(const QString& file) const;
+    [[nodiscard]] std::expected<Loaded, QString> load(const QString& file) const;
 
     QStringList m_folders;
     std::vector<Loaded> m_loaded;

@@ -12,41 +12,41 @@ namespace {
 
 using Loaded = ProviderCatalogue::Loaded;
 
+using Addresses = QList<provider::Address>;
+
 /// What the provider can reach now.
-QList<provider::Address> addressesOf(const provider::IDeviceProvider& provider)
+Addresses addressesOf(const Loaded& loaded)
 {
     const DeviceCall call;
-    return provider.addresses();
+    return loaded.provider->addresses();
 }
 
-QJsonObject described(const Loaded& loaded)
+QJsonObject described(const Loaded& loaded, const Addresses& reached)
 {
-    const auto& provider = *loaded.provider;
     QJsonArray addresses;
-    for (const auto& address : addressesOf(provider))
+    for (const auto& address : reached)
         addresses.append(QJsonObject{{QStringLiteral("address"), address.address},
                                      {QStringLiteral("description"), address.description}});
     QJsonArray options;
-    for (const auto& option : provider.addressOptions())
+    for (const auto& option : loaded.addressOptions)
         options.append(QJsonObject{{QStringLiteral("name"), option.name},
                                    {QStringLiteral("value"), option.value},
                                    {QStringLiteral("default"), option.defaultValue},
                                    {QStringLiteral("description"), option.description}});
-    return {{QStringLiteral("name"), provider.name()}, {QStringLiteral("description"), provider.description()},
-            {QStringLiteral("file"), loaded.file},     {QStringLiteral("addressSyntax"), provider.addressSyntax()},
-            {QStringLiteral("addresses"), addresses},  {QStringLiteral("addressOptions"), options}};
+    return {{QStringLiteral("name"), loaded.name},    {QStringLiteral("description"), loaded.description},
+            {QStringLiteral("file"), loaded.file},    {QStringLiteral("addressSyntax"), loaded.addressSyntax},
+            {QStringLiteral("addresses"), addresses}, {QStringLiteral("addressOptions"), options}};
 }
 
-std::string text(const Output& output, const Loaded& loaded)
+std::string text(const Output& output, const Loaded& loaded, const Addresses& reached)
 {
-    const auto& provider = *loaded.provider;
-    auto text = fmt::format("{}  {}\n  from {}\n\n", output.paint(Output::Style::Heading, escaped(provider.name())),
-                            escaped(provider.description()), escaped(loaded.file));
+    auto text = fmt::format("{}  {}\n  from {}\n\n", output.paint(Output::Style::Heading, escaped(loaded.name)),
+                            escaped(loaded.description), escaped(loaded.file));
     text += "  Instruments (the first is the default):\n";
-    for (const auto& address : addressesOf(provider))
+    for (const auto& address : reached)
         text += fmt::format("    {} {}\n", padded(escaped(address.address), 24), escaped(address.description));
-    text += fmt::format("\n  Address: {}\n", escaped(provider.addressSyntax()));
-    for (const auto& option : provider.addressOptions()) {
+    text += fmt::format("\n  Address: {}\n", escaped(loaded.addressSyntax));
+    for (const auto& option : loaded.addressOptions) {
         const auto usual = option.defaultValue.isEmpty() ? QString{} : QStringLiteral(" [%1]").arg(option.defaultValue);
         const auto form = escaped(option.name + u'=' + option.value);
         const auto* const separator = characters(form) > 24 ? "\n                             " : " ";
@@ -62,8 +62,9 @@ void run(Session& session)
     QJsonArray providers;
     std::string lines;
     for (const auto& loaded : catalogue.loaded()) {
-        providers.append(described(loaded));
-        lines += (lines.empty() ? "" : "\n") + text(output, loaded);
+        const auto reached = addressesOf(loaded);
+        providers.append(described(loaded, reached));
+        lines += (lines.empty() ? "" : "\n") + text(output, loaded, reached);
     }
     QJsonArray refused;
     for (const auto& file : catalogue.refused()) {

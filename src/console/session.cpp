@@ -62,21 +62,21 @@ const ProviderCatalogue& Session::providers()
     if (!m_providers) {
         m_providers.emplace();
         for (const auto& loaded : m_providers->loaded())
-            m_output.detail(fmt::format("provider '{}' from {}", loaded.provider->name(), loaded.file));
+            m_output.detail(fmt::format("provider '{}' from {}", loaded.name, loaded.file));
         for (const auto& refused : m_providers->refused())
             m_output.detail(fmt::format("not used: {}: {}", refused.file, refused.reason));
     }
     return *m_providers;
 }
 
-provider::IDeviceProvider& Session::provider()
+const ProviderCatalogue::Loaded& Session::provider()
 {
     const auto& catalogue = providers();
-    if (auto* const provider = catalogue.find(QString::fromStdString(m_options.provider)))
-        return *provider;
+    if (const auto* const found = catalogue.find(QString::fromStdString(m_options.provider)))
+        return *found;
     QStringList names;
     for (const auto& loaded : catalogue.loaded())
-        names.append(loaded.provider->name());
+        names.append(loaded.name);
     const auto message = fmt::format("there is no provider '{}'", m_options.provider);
     const auto folders = catalogue.folders().join(QStringLiteral(", "));
     if (names.isEmpty())
@@ -98,9 +98,9 @@ std::unique_ptr<Instrument> Session::open()
 {
     const provider::OpenRequest request{QString::fromStdString(m_options.address.value_or(std::string{})),
                                         stateFolder(m_options.state)};
-    auto& source = provider();
+    const auto& source = provider();
     const DeviceCall call;
-    auto device = source.open(request);
+    auto device = source.provider->open(request);
     if (!device)
         throw Error{errorCode(device.error().code), device.error().message.toStdString(),
                     device.error().hint.toStdString()};

@@ -35,7 +35,7 @@ public:
     [[nodiscard]] const ProviderCatalogue& providers();
 
     /// The selected provider; throws `Error` (`NotFound`), naming those that there are.
-    [[nodiscard]] provider::IDeviceProvider& provider();
+    [[nodiscard]] const ProviderCatalogue::Loaded& provider();
 
     /// The selected instrument; throws `Error` when it cannot be opened.
     [[nodiscard]] Instrument& instrument();

@@ -26,9 +26,9 @@ not say when its controls are dropped. On a real one the tour asks before each c
 nothing where there is nobody to ask.
 )";
 
-bool hasDropOption(const provider::IDeviceProvider& source)
+bool hasDropOption(const ProviderCatalogue::Loaded& source)
 {
-    const auto options = source.addressOptions();
+    const auto& options = source.addressOptions;
     return std::ranges::find(options, dropOption, &provider::AddressOption::name) != options.end();
 }
 
@@ -74,7 +74,7 @@ void putBack(const std::function<void()>& restore, const Tour::Leftover& leftove
 
 Tour::Tour(Session& session)
     : m_output{session.output()}
-    , m_simulated{session.provider().isSimulated()}
+    , m_simulated{session.provider().isSimulated}
     , m_instrument{session.instrument()}
 {
     m_output.setFirstWords(m_interrupt,
@@ -191,7 +191,7 @@ void TourCommand::addTo(CommandLine& line)
     auto& verb = line.addVerb(
         "tour", "Walk through every control of the instrument and show what it does", [](Session& session) {
             const auto& source = session.provider();
-            if (source.isSimulated() && hasDropOption(source)) {
+            if (source.isSimulated && hasDropOption(source)) {
                 const auto address = QString::fromStdString(session.options().address.value_or(std::string{}));
                 session.setAddress(restless(address).toStdString());
             }
