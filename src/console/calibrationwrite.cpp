@@ -31,7 +31,7 @@ struct CalibrationWrite::State {
     bool hasStarted = false;
     bool hasMissed = false;
     bool mayBeAway = true;
-    int silence = 0; ///< how often nothing came for an eighth of the limit
+    int silence = 0; ///< for how many eighths of the limit
     std::optional<WriteEnd> end;
 };
 
@@ -53,7 +53,7 @@ CalibrationWrite::~CalibrationWrite()
 void CalibrationWrite::onLifecycleChanged()
 {
     const bool isAway = m_instrument.lifecycle().isAway();
-    const auto lock = m_state->hear();
+    const std::scoped_lock lock{m_state->mutex}; // it says nothing of the write
     if (isAway && m_state->isRequested)
         m_state->hasMissed = true;
     m_state->mayBeAway = true;
@@ -68,27 +68,36 @@ void CalibrationWrite::requested()
 
 WriteEnd CalibrationWrite::wait()
 {
+    using Clock = std::chrono::steady_clock;
+    // In parts, as a part in which the program is stopped counts no more than another. The first may be short.
+    const auto part = std::max<std::chrono::milliseconds>(m_instrument.limit() / 8, std::chrono::milliseconds{1});
     std::unique_lock lock{m_state->mutex};
-    for (;;) {
-        // In parts, as a part in which the program is stopped counts no more than another. The first may be short.
-        const auto part = std::max<std::chrono::milliseconds>(m_instrument.limit() / 8, std::chrono::milliseconds{1});
-        while (!m_state->end && !m_state->mayBeAway && m_state->silence <= 8) {
-            if (m_state->changed.wait_for(lock, part) == std::cv_status::timeout)
-                ++m_state->silence;
-        }
-        if (const auto& end = m_state->end)
-            return *end;
-        if (!std::exchange(m_state->mayBeAway, false))
+    for (auto endOfPart = Clock::now() + part; !m_state->end;) {
+        if (m_state->silence > 8)
             return std::unexpected{WriteFailure{std::nullopt, m_state->hasStarted, true}};
-        lock.unlock();
-        try {
-            m_instrument.awaitControl(m_registryKey);
-            lock.lock();
-        } catch (const Error&) {
-            lock.lock();
+        if (!std::exchange(m_state->mayBeAway, false))
+            m_state->changed.wait_until(lock, endOfPart);
+        else if (!isBack(lock))
             return m_state->end.value_or(std::unexpected{WriteFailure{std::nullopt, m_state->hasStarted}});
+        if (Clock::now() >= endOfPart) {
+            ++m_state->silence;
+            endOfPart = Clock::now() + part;
         }
     }
+    return *m_state->end;
+}
+
+bool CalibrationWrite::isBack(std::unique_lock<std::mutex>& lock) const
+{
+    lock.unlock();
+    bool isBack = true;
+    try {
+        m_instrument.awaitControl(m_registryKey);
+    } catch (const Error&) {
+        isBack = false;
+    }
+    lock.lock();
+    return isBack;
 }
 
 void CalibrationWrite::started()

@@ -6,6 +6,7 @@
 #include <expected>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -42,7 +43,7 @@ public:
     void requested();
 
     /// Waits until the instrument has ended the write, until it does not come back after a drop, or until it has said
-    /// nothing for longer than it may. A drop alone does not end the write.
+    /// nothing for longer than it may. A drop does not end the write, nor does it count as a word about it.
     [[nodiscard]] WriteEnd wait();
 
     void started();
@@ -54,6 +55,8 @@ private:
     struct State;
 
     void onLifecycleChanged() override;
+    /// Whether the control is there, or comes back in time. Gives `lock` up meanwhile.
+    bool isBack(std::unique_lock<std::mutex>& lock) const;
     void endWith(WriteEnd end);
 
     const Instrument& m_instrument;

@@ -1,8 +1,15 @@
 #include <console/calibrationwrite.h>
 
-#include <gtest/gtest.h>
+#include <devices/service/sdkloleakagecontrol.h>
+#include <sdk/service/iloleakagecontrol.h>
+#include <support/fakevna.h>
+#include <support/mockloleakagecontrol.h>
+
+#include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace tarn::console {
 
@@ -164,6 +171,29 @@ TEST_F(CalibrationWriteTest, IsLostWithTheInstrument)
     write.started();
     device->dropAndOfferAgain();
     EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, true})});
+}
+
+TEST(CalibrationWriteOfARestlessInstrument, IsNotWaitedForWhileTheInstrumentOnlyDropsAndOffersItsControls)
+{
+    using namespace std::chrono_literals;
+    using Control = devices::service::SdkLoLeakageControl; // any that is there
+    const auto device = std::make_shared<tests::FakeVna>();
+    device->offer<sdk::service::ILoLeakageControl>(sdk::service::ILoLeakageControl::key,
+                                                   std::make_shared<testing::NiceMock<tests::MockLoLeakageControl>>());
+    const Instrument instrument{device, Output{{}, {}}, 80ms};
+    CalibrationWrite write{instrument, Control::registryKey, [](LongRequest::Progress) { }};
+    write.requested();
+    write.started();
+    const auto end = std::chrono::steady_clock::now() + 20s; // instead of for ever
+    const std::jthread restless{[&](const std::stop_token& stop) {
+        while (!stop.stop_requested() && std::chrono::steady_clock::now() < end) {
+            device->announceRelease();
+            device->announceAvailable();
+            std::this_thread::sleep_for(1ms);
+        }
+    }};
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, true, true})});
+    EXPECT_LT(std::chrono::steady_clock::now(), end);
 }
 
 } // namespace tarn::console
