@@ -62,18 +62,19 @@ void make(const Change& change, const Instrument& instrument, const Output& outp
     for (int attempt = 1;; ++attempt) {
         const auto watch = watchChange(change, instrument, Control::registryKey, attempt == 1);
         LongRequest longRequest{output, change.progress, &warning};
-        try {
-            const auto limited = [&] {
-                const DeviceCall call;
-                return request(*control, longRequest);
-            };
-            if (longRequest.run(limited))
-                return;
-        } catch (...) {
-            throw changeBroken(change, caughtError().message());
-        }
-        if (watch.answers().isTimedOut())
-            throw changeUnanswered(change, longRequest.last());
+        const auto limited = [&] {
+            const DeviceCall call;
+            return request(*control, longRequest);
+        };
+        const auto attended = [&] {
+            try {
+                return longRequest.run(limited);
+            } catch (...) {
+                throw changeBroken(change, caughtError().message());
+            }
+        };
+        if (watch.answers().inTime(attended, [&] { return changeUnanswered(change, longRequest.last()); }))
+            return;
         if (!watch.isLost())
             throw watch.answers().isGivenUp() ? changeBroken(change, gaveUp) : changeFailed(change, longRequest.last());
         if (longRequest.last() || attempt == attempts)

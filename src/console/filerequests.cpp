@@ -24,17 +24,16 @@ auto ask(const Instrument& instrument, std::string_view outcome, Request request
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
         const AnswerWatch answers{instrument};
-        auto answer = [&] {
-            const DeviceCall call;
-            return request(*control);
-        }();
-        if (answer)
-            return std::move(answer).value();
         const auto hint = [](std::string_view known) {
             return fmt::format("{}; 'tarn-service files list' shows what it holds", known);
         };
-        if (answers.isTimedOut())
-            throw unanswered({}, hint(outcome));
+        const auto limited = [&] {
+            const DeviceCall call;
+            return request(*control);
+        };
+        auto answer = answers.inTime(limited, [&] { return unanswered({}, hint(outcome)); });
+        if (answer)
+            return std::move(answer).value();
         if (answer.error() != Control::unavailableMessage)
             throw Error{ErrorCode::Failed, answer.error().toStdString(),
                         hint(answers.isGivenUp() ? outcome : unchanged)};

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace tarn::console {
@@ -24,13 +25,28 @@ public:
     {
     }
 
-    /// Whether a request was not answered in time since.
-    [[nodiscard]] bool isTimedOut() const { return m_instrument.unansweredRequests().timedOut != m_before.timedOut; }
+    /// Makes a request. What it gives or throws, unless it fails after it was not answered in time: throws the `Error`
+    /// that `tooLate` makes of that.
+    template <class Request, class TooLate>
+    std::invoke_result_t<Request> inTime(Request request, TooLate tooLate) const
+    {
+        try {
+            auto outcome = request();
+            if (outcome || !isTimedOut())
+                return outcome;
+        } catch (...) {
+            if (!isTimedOut())
+                throw;
+        }
+        throw tooLate();
+    }
 
     /// Whether the instrument has given a request up since.
     [[nodiscard]] bool isGivenUp() const { return m_instrument.unansweredRequests().dropped != m_before.dropped; }
 
 private:
+    [[nodiscard]] bool isTimedOut() const { return m_instrument.unansweredRequests().timedOut != m_before.timedOut; }
+
     const Instrument& m_instrument;
     const Breaches::Counts m_before = m_instrument.unansweredRequests();
 };
@@ -79,7 +95,7 @@ private:
 }
 
 /// What an instrument says when it gives a request up; continues a message.
-inline constexpr auto gaveUp = "it gave the request up without an answer";
+inline constexpr auto gaveUp = "the instrument gave the request up without an answer";
 
 /// `failed`, by an instrument that gave the request up.
 [[nodiscard]] inline Error givenUp(const Error& failed)
@@ -116,11 +132,10 @@ auto askInTime(const Instrument& instrument, const Question& question, Request r
     const auto control = instrument.control<Control>();
     for (int attempt = 1;; ++attempt) {
         const LossWatch watch{instrument, Control::registryKey};
-        auto outcome = request(*control);
+        auto outcome
+            = watch.answers().inTime([&] { return request(*control); }, [&] { return notAnswered(question.what); });
         if (outcome)
             return std::move(outcome).value();
-        if (watch.answers().isTimedOut())
-            throw notAnswered(question.what);
         if (!watch.isLost())
             throw watch.answers().isGivenUp() ? givenUp(question.failed) : question.failed;
         if (attempt == attempts)
