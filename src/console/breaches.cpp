@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace tarn::console {
 
@@ -46,16 +47,20 @@ void Breaches::onProgress() noexcept
     DeviceCall::onProgress();
 }
 
-void Breaches::warn(const guard::BreachReport& report, std::string_view what)
+void Breaches::warn(const guard::BreachReport& report, std::string_view what) noexcept
 {
-    {
-        const utils::MutexLock lock{m_mutex};
-        if (!m_warned.emplace(report.breach, report.control, report.operation).second)
-            return;
+    try {
+        {
+            const utils::MutexLock lock{m_mutex};
+            if (!m_warned.emplace(report.breach, report.control, report.operation).second)
+                return;
+        }
+        const auto row = std::ranges::find(controlRows(), report.control, &ControlRow::sdkKey);
+        m_output.message(fmt::format("warning: the instrument answered '{}' of its {} control {}", report.operation,
+                                     row->name, what));
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch)
+        // A warning that there is no memory for is no reason to end.
     }
-    const auto row = std::ranges::find(controlRows(), report.control, &ControlRow::sdkKey);
-    m_output.message(
-        fmt::format("warning: the instrument answered '{}' of its {} control {}", report.operation, row->name, what));
 }
 
 } // namespace tarn::console

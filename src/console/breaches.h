@@ -34,7 +34,7 @@ private:
     void onBreach(const guard::BreachReport& report) noexcept override;
     void onProgress() noexcept override;
 
-    void warn(const guard::BreachReport& report, std::string_view what);
+    void warn(const guard::BreachReport& report, std::string_view what) noexcept;
 
     const Output m_output; ///< a copy: an instrument may break its word when everything else has ended
     mutable utils::Mutex m_mutex;
