@@ -2,9 +2,9 @@
 #include <console/commandline.h>
 #include <console/commandtable.h>
 #include <console/confirmation.h>
-#include <console/number.h>
 #include <console/text.h>
 #include <console/tourcommand.h>
+#include <console/usbidentity.h>
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -92,13 +92,8 @@ std::string text(const Properties& properties)
 /// Whether `identity` names `device`: by its display name, or as VENDOR:PRODUCT.
 bool names(std::string_view identity, const Properties& device)
 {
-    if (identity == device.modelName)
-        return true;
-    const auto colon = identity.find(':');
-    if (colon == std::string_view::npos)
-        return false;
-    return parseNumber<std::uint16_t>(identity.substr(0, colon), 16) == device.usbId.vendorId
-        && parseNumber<std::uint16_t>(identity.substr(colon + 1), 16) == device.usbId.productId;
+    return identity == device.modelName
+        || parseUsbIdentity(identity) == UsbIdentity{device.usbId.vendorId, device.usbId.productId};
 }
 
 Properties find(const Instrument& instrument, const std::string& identity)

@@ -4,6 +4,7 @@
 #include <console/measurement.h>
 #include <console/number.h>
 #include <console/text.h>
+#include <console/usbidentity.h>
 #include <utils/duration.h>
 
 #include <chrono>
@@ -22,6 +23,17 @@ void readNumber(std::string_view text, int base)
     require(text.find_first_not_of(base == 10 ? "-0123456789" : "0123456789abcdefABCDEF") == std::string_view::npos,
             "a number has nothing but its digits");
     require(parseNumber<Number>(fmt::format("{}", *number)) == number, "a number is read back as it was written");
+}
+
+void readUsbIdentity(std::string_view text)
+{
+    const auto identity = parseUsbIdentity(text);
+    if (!identity)
+        return;
+    require(text.find_first_not_of("0123456789abcdefABCDEF:") == std::string_view::npos,
+            "an identity has nothing but its digits and the colon");
+    require(parseUsbIdentity(fmt::format("{:04x}:{:04x}", identity->vendor, identity->product)) == identity,
+            "an identity is read back as it was written");
 }
 
 void readTime(std::string_view text)
@@ -50,6 +62,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     readNumber<unsigned int>(text, 10);
     readNumber<std::size_t>(text, 10);
     readNumber<std::uint16_t>(text, 16);
+    readUsbIdentity(text);
     readTime(text);
     readDuration(text);
     if (const auto correction = findCorrection(text))
