@@ -141,7 +141,7 @@ TEST_F(CalibrationFaultsTest, CtrlCWarnsOnceAndEndsWithAdviceTheSecondTime)
 TEST_F(CalibrationFaultsTest, CtrlCOnceLetsAWriteComeToItsEnd)
 {
     QProcess process;
-    startUntil(process, QStringList{QStringLiteral("--address"), QStringLiteral("speed=1")} + words(writeTerms),
+    startUntil(process, QStringList{QStringLiteral("--address"), QStringLiteral("speed=0.3")} + words(writeTerms),
                ": started");
     interrupt(process);
     const auto outcome = finish(process);

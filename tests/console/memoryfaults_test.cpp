@@ -107,11 +107,10 @@ TEST_F(MemoryFaultsTest, CtrlCOnceLetsAChangeWithoutProgressComeToItsEnd)
 {
     for (const auto* const command : {"usb write f3a7:0101 --yes", "potentiometers write 0 9 --eeprom"}) {
         QProcess process;
-        startUntil(
-            process,
-            QStringList{QStringLiteral("-v"), QStringLiteral("--address"), address(QStringLiteral("latency=300ms"))}
-                + words(command),
-            changing);
+        startUntil(process,
+                   QStringList{QStringLiteral("-v"), QStringLiteral("--address"), address(QStringLiteral("latency=2s"))}
+                       + words(command),
+                   changing);
         interrupt(process);
         const auto outcome = finish(process);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
@@ -127,7 +126,7 @@ TEST_F(MemoryFaultsTest, CtrlCWhileAChangeIsReadBackSaysThatItWasMade)
     for (const int presses : {1, 2}) {
         QProcess process;
         const auto slow
-            = presses == 1 ? QStringLiteral("delay-every=5,delay=300ms") : QStringLiteral("delay-every=5,delay=1000s");
+            = presses == 1 ? QStringLiteral("delay-every=5,delay=3s") : QStringLiteral("delay-every=5,delay=1000s");
         startUntil(process, QStringList{QStringLiteral("--address"), address(slow)} + words("serial write 77 --yes"),
                    "writing the serial number: done");
         interrupt(process);
@@ -149,7 +148,7 @@ TEST_F(MemoryFaultsTest, CtrlCOnceLetsAChangeComeToItsEnd)
 {
     QProcess process;
     startUntil(process,
-               QStringList{QStringLiteral("--address"), address(QStringLiteral("speed=1"))}
+               QStringList{QStringLiteral("--address"), address(QStringLiteral("speed=0.3"))}
                    + words("memory write image --yes"),
                "writing the memory: started");
     interrupt(process);

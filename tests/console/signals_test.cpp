@@ -20,8 +20,8 @@ protected:
         writeLocal(QStringLiteral("image"), QByteArray{60'000, 'n'});
     }
 
-    /// A write of the memory that takes about a second.
-    const QStringList changeThatEnds = words("--address memory-size=64KiB,speed=1 memory write image --yes");
+    /// A write of the memory that takes some seconds.
+    const QStringList changeThatEnds = words("--address memory-size=64KiB,speed=0.3 memory write image --yes");
 
     static void send(const QProcess& process, int signal)
     {
