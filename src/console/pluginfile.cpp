@@ -49,9 +49,11 @@ void use(const QString& file)
 }
 
 /// In a process of its own, which leaves nothing behind and goes with the one that started it.
-[[noreturn]] void tryOut(const QString& file)
+[[noreturn]] void tryOut(const QString& file, pid_t program)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != program)
+        ::_exit(EXIT_FAILURE); // it has gone already
     constexpr rlimit noCore{0, 0};
     ::setrlimit(RLIMIT_CORE, &noCore);
     if (const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC); nowhere >= 0) {
@@ -79,11 +81,12 @@ std::optional<int> outcomeOf(pid_t child)
 /// How the process ends in which the file is used; nothing if that does not come to an end.
 std::optional<int> outcomeOfUse(const QString& file)
 {
+    const auto program = ::getpid();
     const auto child = ::fork();
     if (child < 0)
         return EXIT_SUCCESS; // it cannot be tried; the use itself will tell
     if (child == 0)
-        tryOut(file);
+        tryOut(file, program);
     return outcomeOf(child);
 }
 

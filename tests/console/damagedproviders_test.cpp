@@ -8,13 +8,16 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <random>
 #include <string>
 #include <vector>
 
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace tarn::console {
 
@@ -70,6 +73,17 @@ std::function<void(QByteArray&)> replaced(const QByteArray& from, const QByteArr
 std::function<void(QByteArray&)> withByte(qsizetype at, char value)
 {
     return [=](QByteArray& contents) { contents[at] = value; };
+}
+
+bool hasChild(qint64 parent)
+{
+    for (const auto& entry : QDir{QStringLiteral("/proc")}.entryList(QDir::Dirs)) {
+        QFile status{QStringLiteral("/proc/%1/status").arg(entry)};
+        if (status.open(QIODevice::ReadOnly)
+            && status.readAll().contains("\nPPid:\t" + QByteArray::number(parent) + '\n'))
+            return true;
+    }
+    return false;
 }
 
 TEST_F(DamagedProviders, AForeignFileIsRefusedWithTheReason)
@@ -166,13 +180,43 @@ TEST_F(DamagedProviders, AFileWhoseLoadingDoesNotComeToAnEndIsRefused)
 
 TEST_F(DamagedProviders, AFileThatAgreesWithItsChecksumIsNotTriedButLoadedInTime)
 {
-    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name"));
     writeLocal(QStringLiteral("libstuck.so"), whole);
     writeLocal(QStringLiteral("libstuck.so.sha256"),
                QCryptographicHash::hash(whole, QCryptographicHash::Sha256).toHex() + "  libstuck.so\n");
-    const auto outcome = run(words("--timeout 300ms providers"));
-    EXPECT_EQ(outcome.exitCode, 5);
-    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("did not answer in time"));
+    for (const auto* const call : {"name", "description"}) {
+        setVariable(QStringLiteral("AWKWARD_STUCK"), QString::fromUtf8(call));
+        const auto outcome = run(words("--timeout 300ms providers"));
+        EXPECT_EQ(outcome.exitCode, 5) << call;
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr("did not answer in time")) << call;
+    }
+}
+
+TEST_F(DamagedProviders, AChecksumThatIsNoFileIsNone)
+{
+    writeLocal(QStringLiteral("libwhole.so"), whole);
+    ASSERT_EQ(::mkfifo(path(QStringLiteral("libwhole.so.sha256")).toUtf8().constData(), 0600), 0);
+    EXPECT_EQ(refused().size(), 0);
+    EXPECT_EQ(loaded, 1);
+}
+
+TEST_F(DamagedProviders, AFileThatIsBeingTriedIsGivenUpWithTheProgram)
+{
+    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name"));
+    writeLocal(QStringLiteral("libstuck.so"), whole);
+    std::array<int, 2> pipe{}; // has a writer as long as one of the processes lives
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    QProcess process;
+    prepare(process, words("providers"));
+    process.start();
+    ASSERT_TRUE(process.waitForStarted());
+    ::close(pipe[1]);
+    while (!hasChild(process.processId()))
+        ASSERT_FALSE(process.waitForFinished(10));
+    interrupt(process);
+    EXPECT_EQ(finish(process).exitCode, 130);
+    pollfd end{pipe[0], POLLIN, 0};
+    EXPECT_EQ(::poll(&end, 1, 5'000), 1);
+    ::close(pipe[0]);
 }
 
 TEST_F(DamagedProviders, AFileWhoseCodeEndsTheProgramIsRefusedWithoutThat)

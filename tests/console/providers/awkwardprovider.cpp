@@ -225,7 +225,11 @@ public:
         awkward::enter("name");
         return QStringLiteral("awkward");
     }
-    QString description() const override { return QStringLiteral("instruments that make trouble"); }
+    QString description() const override
+    {
+        awkward::enter("description");
+        return QStringLiteral("instruments that make trouble");
+    }
     QString addressSyntax() const override { return QStringLiteral("TROUBLE"); }
     bool isSimulated() const override { return false; }
 
