@@ -14,7 +14,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds shortestGrace{400};
+/// Enough for the guard to come first on a busy computer.
+constexpr std::chrono::seconds shortestGrace{2};
 
 /// The calls under way, with the thread that looks after them. Both outlive `main`, as a call may.
 class Calls {
@@ -52,7 +53,7 @@ public:
     {
         const utils::MutexLock lock{m_mutex};
         m_limit = limit;
-        m_grace = std::max(limit / 4, shortestGrace);
+        m_grace = std::max<std::chrono::milliseconds>(limit / 4, shortestGrace);
         m_onOverdue = std::move(onOverdue);
         if (!std::exchange(m_isWatched, true))
             std::thread{[this] { watch(); }}.detach();

@@ -21,8 +21,8 @@ public:
 };
 
 /// From now on `onOverdue` is called, on a thread of its own, when a call lasts longer than `limit` without progress.
-/// This is noticed about a quarter of it, at least 400 ms, later: the guard, which ends a request without ending the
-/// program, comes first.
+/// This is noticed about a quarter of it, at least two seconds, later: the guard, which ends a request without ending
+/// the program, comes first.
 void limitDeviceCalls(std::chrono::milliseconds limit, std::function<void()> onOverdue);
 
 } // namespace tarn::console

@@ -18,15 +18,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Calls that may take two seconds, and about half of one more until that is noticed.
+/// Calls that may take 100 ms, and about two seconds more until that is noticed.
 class DeviceCallTest : public testing::Test {
 protected:
-    void SetUp() override { limitTo(2s); }
-
-    void limitTo(std::chrono::milliseconds limit)
+    void SetUp() override
     {
-        // Whoever calls it may be late.
-        limitDeviceCalls(limit, [overdue = overdue] { ++*overdue; });
+        limitDeviceCalls(100ms, [overdue = overdue] { ++*overdue; }); // may come when the test has ended
     }
 
     void TearDown() override
@@ -64,7 +61,7 @@ TEST_F(DeviceCallTest, IsOverdueWhenItDoesNotEnd)
 {
     const DeviceCall call;
     EXPECT_FALSE(isOverdueWithin(200ms));
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
 }
 
 TEST_F(DeviceCallTest, IsNotOverdueForTheTimeThatTheProgramWasStopped)
@@ -72,7 +69,7 @@ TEST_F(DeviceCallTest, IsNotOverdueForTheTimeThatTheProgramWasStopped)
     const DeviceCall call;
     beStopped();
     EXPECT_FALSE(isOverdueWithin(200ms));
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
 }
 
 TEST_F(DeviceCallTest, IsOverdueOnAnyThread)
@@ -85,20 +82,19 @@ TEST_F(DeviceCallTest, IsOverdueOnAnyThread)
     {
         const DeviceCall shortOne;
     }
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
     isOver = true;
     isOver.notify_all();
 }
 
 TEST_F(DeviceCallTest, IsNotOverdueOnceItHasEnded)
 {
-    limitTo(100ms);
     std::optional<DeviceCall> call{std::in_place};
     {
         const DeviceCall inner;
     }
     call.reset();
-    EXPECT_FALSE(isOverdueWithin(1s));
+    EXPECT_FALSE(isOverdueWithin(4s));
 }
 
 TEST_F(DeviceCallTest, GetsOnWithEachInnerOne)
@@ -109,7 +105,7 @@ TEST_F(DeviceCallTest, GetsOnWithEachInnerOne)
         const DeviceCall inner;
     }
     EXPECT_EQ(*overdue, 0);
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
 }
 
 TEST_F(DeviceCallTest, DoesNotGetOnWithThoseOfAnotherThread)
@@ -121,7 +117,7 @@ TEST_F(DeviceCallTest, DoesNotGetOnWithThoseOfAnotherThread)
             std::this_thread::sleep_for(5ms);
         }
     }};
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
 }
 
 TEST_F(DeviceCallTest, GetsOnWithTheProgressOfTheInstrument)
@@ -132,7 +128,7 @@ TEST_F(DeviceCallTest, GetsOnWithTheProgressOfTheInstrument)
         DeviceCall::onProgress();
     }
     EXPECT_EQ(*overdue, 0);
-    EXPECT_TRUE(isOverdueWithin(10s));
+    EXPECT_TRUE(isOverdueWithin(30s));
 }
 
 } // namespace tarn::console

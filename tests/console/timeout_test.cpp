@@ -177,7 +177,7 @@ TEST_F(TimeoutTest, AWatchWaitsForWhatHappensAsLongAsItTakes)
     QProcess process;
     prepare(process, words("--timeout 1s corrections watch"));
     process.start();
-    EXPECT_FALSE(process.waitForFinished(3000));
+    EXPECT_FALSE(process.waitForFinished(5000));
     interrupt(process);
     EXPECT_EQ(finish(process).exitCode, 130);
 }
@@ -192,7 +192,7 @@ TEST_F(TimeoutTest, AWatchWaitsForItsReaderAsLongAsItTakes)
     process.setChildProcessModifier([&pipe] { ::dup2(pipe[1], STDOUT_FILENO); });
     process.start();
     ::close(pipe[1]);
-    EXPECT_FALSE(process.waitForFinished(3000));
+    EXPECT_FALSE(process.waitForFinished(5000));
     ::close(pipe[0]);
     EXPECT_EQ(finish(process).exitCode, 0);
 }
@@ -202,7 +202,7 @@ TEST_F(TimeoutTest, AWatchWaitsForItsReaderAsLongAsItTakes)
 TEST_F(TimeoutTest, AQuestionWaitsAsLongAsItTakes)
 {
     const auto outcome = converse(patient("serial write 5"),
-                                  {{"[y/N] ", "n\n", [] { std::this_thread::sleep_for(std::chrono::seconds{4}); }}});
+                                  {{"[y/N] ", "n\n", [] { std::this_thread::sleep_for(std::chrono::seconds{6}); }}});
     EXPECT_EQ(outcome.exitCode, 4) << outcome.out.toStdString();
 }
 
