@@ -108,7 +108,7 @@ TEST(AllocationFailure, OfEveryOperationIsReportedAndLeavesNothing)
             if (isMet) {
                 EXPECT_EQ(bench->heard(), before) << "somebody was told";
             }
-            onAnotherThread([&] { EXPECT_NE(bench->run(), Outcome::Unavailable) << "the next call"; });
+            expectDoneByTheNextCall(operation, *bench);
             EXPECT_TRUE(bench->drop()) << "the control is kept alive";
             return isMet;
         });

@@ -17,6 +17,7 @@
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
 
 #include <support/contractbench.h>
+#include <support/onanotherthread.h>
 #include <support/plaincontrols.h>
 #include <support/signalcounter.h>
 
@@ -313,6 +314,7 @@ struct WatchedController {
 struct CalibrationWatcher : Plain<ICalibrationController, WatchedController, PlainCalibrationController> {
     static constexpr auto name = "CalibrationWatcher";
     static constexpr auto key = Sdk::secondKey;
+    static constexpr bool isBoundToThread = true;
     static std::shared_ptr<void> listen(Adapter& adapter, int& heard)
     {
         return std::make_shared<SignalCounter>(adapter.watcher, heard);
@@ -396,6 +398,11 @@ public:
             Contract::prepare(m_bench.adapter);
     }
     [[nodiscard]] int heard() const override { return m_heard; }
+    [[nodiscard]] int sdkCalls() const override { return m_bench.sdkCalls; }
+    [[nodiscard]] bool isBoundToThread() const override
+    {
+        return requires { Contract::isBoundToThread; };
+    }
 
 private:
     const Op m_operation;
@@ -416,6 +423,17 @@ std::vector<AnyOperation> everyOperation()
                                   [operation] { return std::make_unique<Bench<Contract>>(operation); }});
     });
     return operations;
+}
+
+void expectDoneByTheNextCall(const AnyOperation& operation, AnyBench& bench)
+{
+    const int before = bench.sdkCalls();
+    onAnotherThread([&] { EXPECT_NE(bench.run(), Outcome::Unavailable) << "the next call"; });
+    if (bench.isBoundToThread())
+        bench.run();
+    if (operation.calls > 1) { // the question for the control, and more
+        EXPECT_GT(bench.sdkCalls(), before) << "the next call has done nothing";
+    }
 }
 
 std::shared_ptr<sdk::IVna> deviceWithEveryControl(const std::function<void()>& inside)

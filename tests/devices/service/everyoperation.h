@@ -35,6 +35,12 @@ public:
 
     /// How often the adapter has emitted a signal or told an observer something.
     [[nodiscard]] virtual int heard() const = 0;
+
+    /// How often the operation has called a control.
+    [[nodiscard]] virtual int sdkCalls() const = 0;
+
+    /// Whether the thread that made the bench is the one on which the operation calls.
+    [[nodiscard]] virtual bool isBoundToThread() const = 0;
 };
 
 /// One public operation of one adapter.
@@ -43,6 +49,9 @@ struct AnyOperation {
     int calls; ///< of the device and of a control that was not asked for before
     std::function<std::unique_ptr<AnyBench>()> bench;
 };
+
+/// That `operation` is done by a call from another thread, after one that has failed.
+void expectDoneByTheNextCall(const AnyOperation& operation, AnyBench& bench);
 
 /// Every public operation of the adapters of all controls, but their creation.
 [[nodiscard]] std::vector<AnyOperation> everyOperation();

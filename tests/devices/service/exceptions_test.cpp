@@ -49,7 +49,7 @@ bool throwsIn(const AnyOperation& operation, const std::exception_ptr& exception
     EXPECT_EQ(thrown, exception);
     EXPECT_EQ(thrower.calls, nth) << "it went on";
     EXPECT_EQ(bench->heard(), before) << "somebody was told";
-    onAnotherThread([&] { EXPECT_NE(bench->run(), Outcome::Unavailable) << "the next call"; });
+    expectDoneByTheNextCall(operation, *bench);
     EXPECT_TRUE(bench->drop()) << "the control is kept alive";
     return true;
 }
