@@ -24,6 +24,12 @@ bool isHeld(const pthread_mutex_t* mutex)
     return std::find(heldMutexes.begin(), heldEnd(), mutex) != heldEnd();
 }
 
+void pass()
+{
+    if (hooks.pass)
+        hooks.pass();
+}
+
 } // namespace
 
 // The linker sends the program's own calls here (--wrap).
@@ -39,8 +45,7 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) // NOLINT
         return EINVAL;
     if (isHeld(mutex))
         return EDEADLK;
-    if (hooks.approach)
-        hooks.approach();
+    pass();
     while (hooks.wait && pthread_mutex_trylock(mutex) == EBUSY) {
         if (!hooks.wait())
             return EDEADLK;
@@ -56,7 +61,9 @@ int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) // NOLINT
 {
     const auto end = std::remove(heldMutexes.begin(), heldEnd(), mutex);
     held = static_cast<int>(end - heldMutexes.begin());
-    return __real_pthread_mutex_unlock(mutex);
+    const int error = __real_pthread_mutex_unlock(mutex);
+    pass();
+    return error;
 }
 }
 

@@ -17,13 +17,13 @@ struct MutexProbe {
     static void failAfter(int successes);
 
     struct Hooks {
-        void (*approach)() = nullptr; ///< called before each lock
+        void (*pass)() = nullptr; ///< called before each lock and after each unlock
         /// Called, as often as it takes, instead of waiting for a mutex that another thread holds. It answers whether
         /// it makes sense to go on; if not, the lock fails with the error of a deadlock.
         bool (*wait)() = nullptr;
     };
 
-    /// What the calling thread does from now on when it locks.
+    /// What the calling thread does from now on when it locks and unlocks.
     static void hook(Hooks hooks);
 };
 

@@ -76,7 +76,7 @@ void Schedule::begin(Thread& thread)
     current = this;
     Thread::self = &thread;
     Thread::self->await();
-    MutexProbe::hook({.approach = [] { Schedule::point("lock"); }, .wait = &Schedule::wait});
+    MutexProbe::hook({.pass = [] { Schedule::point("mutex"); }, .wait = &Schedule::wait});
     try {
         Thread::self->body();
     } catch (const std::exception& exception) {
@@ -148,9 +148,9 @@ void Schedule::handOver(Thread& next) const
 
 void forEachSeed(std::uint32_t count, const std::function<void(std::uint32_t seed)>& scenario)
 {
-    const Watchdog watchdog;
     const auto attempt = [&scenario](std::uint32_t seed) {
         const auto replay = std::string{seedVariable} + "=" + std::to_string(seed);
+        const Watchdog watchdog;
         nowTrying(replay);
         scenario(seed);
         if (testing::Test::HasFailure())

@@ -12,7 +12,8 @@
 namespace tarn::tests {
 
 /// Runs threads of which one goes on at a time. At each point a seed decides which one that is, so that the same seed
-/// gives the same run. The points are those that a test sets in what it supplies, and every lock of a mutex.
+/// gives the same run. The points are those that a test sets in what it supplies, and before every lock and after
+/// every unlock of a mutex.
 ///
 /// A thread that would wait for a mutex or a future, of this program's own code, goes on when another has come to a
 /// point. If all of them wait, a mutex that is waited for fails with the error of a deadlock.

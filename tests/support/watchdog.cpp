@@ -74,14 +74,14 @@ void giveUp(const char* why)
     std::_Exit(EXIT_FAILURE);
 }
 
-Watchdog::Watchdog(std::chrono::seconds limit)
-    : m_thread{[limit, end = m_end.get_future()] {
+Watchdog::Watchdog(std::chrono::seconds limit, const std::string& what)
+{
+    nowTrying(what);
+    m_thread = std::jthread{[limit, end = m_end.get_future()] {
         if (end.wait_for(limit) == std::future_status::ready)
             return;
         giveUp("the watchdog has waited in vain");
-    }}
-{
-    nowTrying("the test");
+    }};
 }
 
 } // namespace tarn::tests

@@ -14,10 +14,10 @@ void nowTrying(const std::string& what);
 /// Ends the program with a message.
 [[noreturn]] void giveUp(const char* why);
 
-/// Ends the program with a message if it is not destroyed in time.
+/// Ends the program with a message, and with what is being tried, if it is not destroyed in time.
 class Watchdog {
 public:
-    explicit Watchdog(std::chrono::seconds limit = std::chrono::seconds{60});
+    explicit Watchdog(std::chrono::seconds limit = std::chrono::seconds{60}, const std::string& what = "the test");
     ~Watchdog() { m_end.set_value(); }
     Watchdog(const Watchdog&) = delete;
     Watchdog& operator=(const Watchdog&) = delete;

@@ -3,12 +3,18 @@
 
 #include "tuningcontrols.h"
 
+#include <devices/service/sdkcalibrationcontrolhandle.h>
 #include <devices/service/sdkfilememorycontrol.h>
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkpotentiometerscontrol.h>
+#include <devices/service/sdkusbidcontrol.h>
 
-#include <support/fakevna.h>
+#include <support/contractbench.h>
+#include <support/mockcalibrationcontroller.h>
 #include <support/mockfilememorycontrol.h>
 #include <support/mockloleakagecontrol.h>
+#include <support/mockmemoryusbidcontrol.h>
+#include <support/mockpotentiometerscontrol.h>
 #include <support/mutexprobe.h>
 #include <support/schedule.h>
 
@@ -70,6 +76,14 @@ struct Request {
 };
 using Pending = std::deque<Request>;
 
+/// A request that ends on the device's thread.
+void endLater(Pending& pending, const std::function<void()>& inside, const sdk::Completion<>& completion)
+{
+    inside();
+    pending.push_back({[completion] { completion({}); }, done.control});
+    inside();
+}
+
 /// Getters and setters of one adapter.
 template <class Tuning>
 struct Gets : Tuning {
@@ -123,9 +137,67 @@ struct Files {
                  [](Adapter& adapter) { return adapter.deleteFile({}) ? Outcome::Answered : Outcome::Unavailable; },
                  [&pending](Mock& mock, const std::function<void()>& inside) {
                      ON_CALL(mock, deleteFile).WillByDefault([inside, &pending](const auto& /*file*/, auto completion) {
+                         endLater(pending, inside, completion);
+                     });
+                 }}};
+    }
+};
+
+struct Potentiometers {
+    using Sdk = sdk::service::IPotentiometersControl;
+    using Adapter = devices::service::SdkPotentiometersControl;
+    using Mock = testing::NiceMock<MockPotentiometersControl>;
+
+    static std::vector<Operation<Adapter, Mock>> operations(Pending& pending)
+    {
+        return {{"writeToRam",
+                 [](Adapter& adapter) { return adapter.writeToRam(0, 1) ? Outcome::Answered : Outcome::Unavailable; },
+                 [&pending](Mock& mock, const std::function<void()>& inside) {
+                     ON_CALL(mock, writeToRam).WillByDefault([inside, &pending](auto, auto, auto completion) {
+                         endLater(pending, inside, completion);
+                     });
+                 }}};
+    }
+};
+
+struct UsbId {
+    using Sdk = sdk::service::IMemoryUsbIdControl;
+    using Adapter = devices::service::SdkMemoryUsbId;
+    using Mock = testing::NiceMock<MockMemoryUsbIdControl>;
+
+    static std::vector<Operation<Adapter, Mock>> operations(Pending& pending)
+    {
+        return {{"writeUsbId",
+                 [](Adapter& adapter) { return adapter.writeUsbId({}) ? Outcome::Answered : Outcome::Unavailable; },
+                 [&pending](Mock& mock, const std::function<void()>& inside) {
+                     ON_CALL(mock, writeUsbId).WillByDefault([inside, &pending](const auto&, auto completion) {
+                         endLater(pending, inside, completion);
+                     });
+                 }}};
+    }
+};
+
+/// Hands the control itself out, which the caller then uses.
+struct Controller {
+    using Sdk = sdk::service::calibrations::ICalibrationController;
+    using Adapter = devices::service::SdkCalibrationControlHandle;
+    using Mock = testing::NiceMock<MockCalibrationController>;
+    static constexpr auto key = Sdk::firstKey;
+
+    static std::vector<Operation<Adapter, Mock>> operations(Pending& /*pending*/)
+    {
+        return {{"lock",
+                 [](Adapter& adapter) {
+                     const auto controller = adapter.lock();
+                     if (!controller)
+                         return Outcome::Unavailable;
+                     EXPECT_TRUE(controller->units().empty());
+                     return Outcome::Answered;
+                 },
+                 [](Mock& mock, std::function<void()> inside) {
+                     ON_CALL(mock, units).WillByDefault([inside = std::move(inside)] {
                          inside();
-                         pending.push_back({[completion] { completion({}); }, done.control});
-                         inside();
+                         return std::vector<sdk::service::calibrations::ICalibrationUnit*>{};
                      });
                  }}};
     }
@@ -211,7 +283,7 @@ private:
     {
         for (int cycle = 0; cycle != cycles; ++cycle) {
             bringCompletions();
-            m_device.drop(Sdk::key);
+            m_device.drop(keyOf<Row>);
             bringCompletions();
             offer();
         }
@@ -236,7 +308,7 @@ private:
         const auto mock = std::make_shared<Mock>();
         m_lives.emplace_back(mock);
         m_operation.stub(*mock, [this, life = m_lives.back()] { inside(life); });
-        m_device.offer<Sdk>(Sdk::key, mock);
+        m_device.offer<Sdk>(keyOf<Row>, mock);
     }
 
     /// The SDK call.
@@ -256,7 +328,7 @@ private:
         ++done.asked;
         EXPECT_EQ(MutexProbe::held(), 0);
         Schedule::point("asked");
-        auto owner = m_device.control<Sdk>(Sdk::key);
+        auto owner = m_device.control<Sdk>(keyOf<Row>);
         Schedule::point("about to answer");
         const sdk::ControlHandle<Sdk> handle{owner};
         done.answer = owner;
@@ -278,8 +350,9 @@ private:
 template <class Row>
 class CallSchedules : public testing::Test { };
 
-using CallRows = testing::Types<Leakage, Files, Gets<QuillPower>, Gets<QuillSynthesis>, Gets<DornPower>,
-                                Gets<DornSynthesis>, Gets<SablePower>, Gets<SableSynthesis>, Gets<VellSynthesis>>;
+using CallRows
+    = testing::Types<Leakage, Files, Gets<QuillPower>, Gets<QuillSynthesis>, Gets<DornPower>, Gets<DornSynthesis>,
+                     Gets<SablePower>, Gets<SableSynthesis>, Gets<VellSynthesis>, Potentiometers, UsbId, Controller>;
 TYPED_TEST_SUITE(CallSchedules, CallRows);
 
 TYPED_TEST(CallSchedules, KeepTheRulesOfTheHandle)
