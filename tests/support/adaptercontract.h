@@ -1,6 +1,7 @@
 #pragma once
 
 #include <support/contractbench.h>
+#include <support/watchdog.h>
 
 #include <gtest/gtest.h>
 
@@ -36,6 +37,9 @@ protected:
             check(operation);
         }
     }
+
+private:
+    const Watchdog m_watchdog; ///< on calls that wait for themselves, or for each other
 };
 
 TYPED_TEST_SUITE_P(AdapterContract);

@@ -82,7 +82,9 @@ template <class Adapter, class Mock>
 
 template <class Contract>
 class RequestContract
-    : public AdapterTest<typename Contract::Sdk, typename Contract::Adapter, typename Contract::Mock> { };
+    : public AdapterTest<typename Contract::Sdk, typename Contract::Adapter, typename Contract::Mock> {
+    const Watchdog m_watchdog;
+};
 
 TYPED_TEST_SUITE_P(RequestContract);
 

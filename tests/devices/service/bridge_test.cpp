@@ -3,6 +3,7 @@
 #include <sdk/completion.h>
 #include <support/errorcategory.h>
 #include <support/exceptions.h>
+#include <support/watchdog.h>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +56,14 @@ int failing(int /*value*/)
 const ErrorCategory strange{"strange"};
 const ErrorCategory silent{""};
 
+/// A bridge waits without a limit for what it has lost.
+class Bridge : public testing::Test {
+    const Watchdog m_watchdog;
+};
+using BridgeMessageStyle = Bridge;
+using BridgeEnumerationStyle = Bridge;
+using BridgeFlagStyle = Bridge;
+
 /// A request that completes inside the call.
 auto completing(std::error_code code)
 {
@@ -66,19 +75,19 @@ auto completing(int value, std::error_code code)
     return [value, code](const Value& done) { done(value, code); };
 }
 
-TEST(BridgeMessageStyle, GivesTheConvertedValueOnSuccess)
+TEST_F(BridgeMessageStyle, GivesTheConvertedValueOnSuccess)
 {
     const auto result = awaitOrMessage<std::string, twice>(completing(4, {}));
     ASSERT_TRUE(result.has_value());
     EXPECT_EQ(*result, "44");
 }
 
-TEST(BridgeMessageStyle, GivesTheValueItselfWithoutAConversion)
+TEST_F(BridgeMessageStyle, GivesTheValueItselfWithoutAConversion)
 {
     EXPECT_EQ(awaitOrMessage<int>(completing(4, {})).value(), 4);
 }
 
-TEST(BridgeMessageStyle, GivesTheTextOfTheErrorUnchanged)
+TEST_F(BridgeMessageStyle, GivesTheTextOfTheErrorUnchanged)
 {
     const ErrorCategory category{"Dateispeicher \xc3\xbc"
                                  "berf\xc3\xbcllt (\xe2\x82\xac)"};
@@ -90,7 +99,7 @@ TEST(BridgeMessageStyle, GivesTheTextOfTheErrorUnchanged)
     EXPECT_EQ(none.error(), result.error());
 }
 
-TEST(BridgeMessageStyle, GivesAnEmptyTextForAnErrorWithoutOneAndItIsStillAnError)
+TEST_F(BridgeMessageStyle, GivesAnEmptyTextForAnErrorWithoutOneAndItIsStillAnError)
 {
     const auto result = awaitOrMessage<int>(completing(4, silent.code(1)));
     ASSERT_FALSE(result.has_value());
@@ -100,7 +109,7 @@ TEST(BridgeMessageStyle, GivesAnEmptyTextForAnErrorWithoutOneAndItIsStillAnError
     EXPECT_TRUE(none.error().isEmpty());
 }
 
-TEST(BridgeMessageStyle, DoesNotConvertTheValueThatComesWithAnError)
+TEST_F(BridgeMessageStyle, DoesNotConvertTheValueThatComesWithAnError)
 {
     static int conversions;
     conversions = 0;
@@ -114,7 +123,7 @@ TEST(BridgeMessageStyle, DoesNotConvertTheValueThatComesWithAnError)
     EXPECT_EQ(conversions, 1);
 }
 
-TEST(BridgeEnumerationStyle, GivesFailedWhateverTheCodeSays)
+TEST_F(BridgeEnumerationStyle, GivesFailedWhateverTheCodeSays)
 {
     for (const int value : {1, -1, 5, 1000}) {
         EXPECT_EQ((awaitOrError<int, Error>(completing(4, strange.code(value))).error()), Error::Failed);
@@ -123,13 +132,13 @@ TEST(BridgeEnumerationStyle, GivesFailedWhateverTheCodeSays)
     }
 }
 
-TEST(BridgeEnumerationStyle, GivesTheConvertedValueOnSuccess)
+TEST_F(BridgeEnumerationStyle, GivesTheConvertedValueOnSuccess)
 {
     EXPECT_EQ((awaitOrError<std::string, Error, twice>(completing(4, {})).value()), "44");
     EXPECT_TRUE((awaitOrError<void, Error>(completing(std::error_code{})).has_value()));
 }
 
-TEST(BridgeFlagStyle, IsTrueExactlyWhenTheValueOfTheCodeIsZero)
+TEST_F(BridgeFlagStyle, IsTrueExactlyWhenTheValueOfTheCodeIsZero)
 {
     EXPECT_TRUE(awaitSuccess(completing(std::error_code{})));
     EXPECT_TRUE(awaitSuccess(completing(strange.code(0))));
@@ -137,7 +146,7 @@ TEST(BridgeFlagStyle, IsTrueExactlyWhenTheValueOfTheCodeIsZero)
     EXPECT_FALSE(awaitSuccess(completing(strange.code(-1))));
 }
 
-TEST(Bridge, DecidesByTheValueOfTheCodeInWhateverCategory)
+TEST_F(Bridge, DecidesByTheValueOfTheCodeInWhateverCategory)
 {
     EXPECT_TRUE(awaitOrMessage<int>(completing(4, strange.code(0))).has_value());
     EXPECT_TRUE(awaitOrMessage<void>(completing(strange.code(0))).has_value());
@@ -152,14 +161,14 @@ TEST(Bridge, DecidesByTheValueOfTheCodeInWhateverCategory)
     }
 }
 
-TEST(Bridge, WaitsForACompletionThatComesFromAnotherThread)
+TEST_F(Bridge, WaitsForACompletionThatComesFromAnotherThread)
 {
     std::jthread device;
     const auto result = awaitOrMessage<int>([&](const Value& done) { device = std::jthread{[done] { done(4, {}); }}; });
     EXPECT_EQ(result.value(), 4);
 }
 
-TEST(Bridge, DoesNotReturnBeforeTheCompletion)
+TEST_F(Bridge, DoesNotReturnBeforeTheCompletion)
 {
     std::promise<Value> request;
     std::atomic<bool> completed{false};
@@ -173,7 +182,7 @@ TEST(Bridge, DoesNotReturnBeforeTheCompletion)
     done(4, {});
 }
 
-TEST(Bridge, KeepsRequestsApartThatCompleteInTheOtherOrder)
+TEST_F(Bridge, KeepsRequestsApartThatCompleteInTheOtherOrder)
 {
     constexpr std::size_t count = 3;
     std::array<std::promise<Value>, count> requests;
@@ -194,7 +203,7 @@ TEST(Bridge, KeepsRequestsApartThatCompleteInTheOtherOrder)
     EXPECT_EQ(results, (std::array{1, 2, 3}));
 }
 
-TEST(Bridge, RefusesASecondCompletionAtTheOneWhoMakesIt)
+TEST_F(Bridge, RefusesASecondCompletionAtTheOneWhoMakesIt)
 {
     std::future_errc refusal{};
     const auto result = awaitOrMessage<int>([&](const Value& done) {
@@ -209,7 +218,7 @@ TEST(Bridge, RefusesASecondCompletionAtTheOneWhoMakesIt)
     EXPECT_EQ(result.value(), 4) << "the first completion counts";
 }
 
-TEST(Bridge, PassesAnExceptionOfTheRequestOnUnchanged)
+TEST_F(Bridge, PassesAnExceptionOfTheRequestOnUnchanged)
 {
     for (const auto& exception : anyExceptions()) {
         const auto throwing = [&](const auto& /*done*/) { std::rethrow_exception(exception); };
@@ -219,7 +228,7 @@ TEST(Bridge, PassesAnExceptionOfTheRequestOnUnchanged)
     }
 }
 
-TEST(Bridge, PassesAnExceptionOfTheConversionToTheCallerOnWhateverThreadItIsMade)
+TEST_F(Bridge, PassesAnExceptionOfTheConversionToTheCallerOnWhateverThreadItIsMade)
 {
     for (const auto& exception : anyExceptions()) {
         failure = exception;
@@ -230,7 +239,7 @@ TEST(Bridge, PassesAnExceptionOfTheConversionToTheCallerOnWhateverThreadItIsMade
     }
 }
 
-TEST(Bridge, MovesTheDeliveredValue)
+TEST_F(Bridge, MovesTheDeliveredValue)
 {
     const auto result
         = awaitOrMessage<std::unique_ptr<int>>([](auto done) { done(std::make_unique<int>(4), std::error_code{}); });
@@ -238,7 +247,7 @@ TEST(Bridge, MovesTheDeliveredValue)
     EXPECT_EQ(**result, 4);
 }
 
-TEST(Bridge, MakesACallbackOfOnePointerThatAStdFunctionKeepsInItself)
+TEST_F(Bridge, MakesACallbackOfOnePointerThatAStdFunctionKeepsInItself)
 {
     std::ignore = awaitSuccess([](auto callback) {
         static_assert(sizeof(callback) == sizeof(void*));
@@ -252,7 +261,7 @@ TEST(Bridge, MakesACallbackOfOnePointerThatAStdFunctionKeepsInItself)
     });
 }
 
-TEST(Bridge, CallsTheRequestExactlyOnce)
+TEST_F(Bridge, CallsTheRequestExactlyOnce)
 {
     int calls = 0;
     EXPECT_FALSE(awaitSuccess([&](const Void& done) {
