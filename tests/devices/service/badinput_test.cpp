@@ -1,6 +1,8 @@
 // What becomes of parameters and answers that nobody should give: they are handed on as they are, but
 // for bytes that are no UTF-8, which `QString` replaces, and for what an enumeration does not know.
 
+#include <devices/controlregistry.h>
+#include <devices/instrumentcontrols.h>
 #include <devices/modelnames.h>
 #include <devices/service/frequencyplanconversion.h>
 #include <devices/service/sdkfactorycorrectioncontrol.h>
@@ -9,6 +11,7 @@
 #include <devices/service/sdksystemtermscontrol.h>
 #include <devices/service/sdktemperaturecontrol.h>
 #include <devices/service/sdkusbidcontrol.h>
+#include <devices/service/servicecontrols.h>
 
 #include <support/calibrationbench.h>
 #include <support/devicehandle.h>
@@ -245,12 +248,34 @@ TEST(BadInput, ACorrectionThatNobodyKnowsIsNothingAndIsNotSwitched)
     }
 }
 
+TEST(BadInput, ATimeIsCarriedInSecondsHoweverFarAwayItIs)
+{
+    const auto mock = std::make_shared<NiceMock<MockSystemTermsControl>>();
+    SdkSystemTermsControl control{handleTo<sdk::service::ISystemTermsControl>(mock)};
+    constexpr qint64 lastOf9999 = 253'402'300'799;
+    constexpr qint64 lastOfAll = std::numeric_limits<qint64>::max() / 1000; // Qt counts milliseconds
+    for (const qint64 seconds :
+         {qint64{0}, qint64{-1}, lastOf9999, lastOf9999 + 1, -lastOf9999, lastOfAll, -lastOfAll}) {
+        EXPECT_CALL(*mock, writeTerms(seconds, _, _));
+        control.requestWriteTerms(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC), 0.0, {});
+        EXPECT_CALL(*mock, writeTermsForPlan(seconds, _, _, _));
+        control.requestWriteTerms(QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC), 0.0, {{1.0, 2.0, 3}}, {});
+    }
+}
+
 TEST(BadInput, ATimeThatIsNoneIsTheEpoch)
 {
     const auto mock = std::make_shared<NiceMock<MockSystemTermsControl>>();
     SdkSystemTermsControl control{handleTo<sdk::service::ISystemTermsControl>(mock)};
     EXPECT_CALL(*mock, writeTerms(QDateTime{}.toSecsSinceEpoch(), _, _));
     control.requestWriteTerms({}, 0.0, {});
+}
+
+TEST(BadInputDeathTest, NeitherARegistryNorADeviceIsEverMissing)
+{
+    EXPECT_DEATH(servicecontrols::registrate(nullptr), "");
+    const devices::ControlRegistry registry;
+    EXPECT_DEATH((devices::InstrumentControls{nullptr, registry, devices::ControlTypes<>{}}), "");
 }
 
 TEST(BadInput, NoObserverIsRemovedFromNowhere)
