@@ -190,6 +190,7 @@ bool Operations::begin(Run& run)
     if (refusal.value() == 0) {
         run.hasTurn = run.hasTurn || !m_isBusy.exchange(true);
         refusal = run.hasTurn ? run.operation->begin() : Error::Busy;
+        m_busyRefusals += run.hasTurn ? 0U : 1U;
     }
     if (refusal.value() != 0) {
         if (run.hasTurn)

@@ -10,6 +10,7 @@
 #include <utils/mutex.h>
 
 #include <atomic>
+#include <cstdint>
 #include <deque>
 #include <expected>
 #include <functional>
@@ -92,6 +93,9 @@ public:
     /// unless the request came from a notification or a completion, inline; it happens soon then.
     void reoffer();
 
+    /// How many requests have ended with `Error::Busy`.
+    [[nodiscard]] std::uint64_t busyRefusals() const { return m_busyRefusals; }
+
 private:
     struct Run;
 
@@ -127,6 +131,7 @@ private:
     const Duration m_latency;
     const LosePower m_losePower;
     std::atomic<bool> m_isBusy = false; ///< with a long operation
+    std::atomic<std::uint64_t> m_busyRefusals = 0;
     const Drop m_drop;
     utils::Mutex m_mutex;
     std::deque<std::shared_ptr<Run>> m_waiting TARN_GUARDED_BY(m_mutex);

@@ -85,6 +85,11 @@ const ModuleTables& SimulatedVna::tables() const
     return m_bench->tables;
 }
 
+std::uint64_t SimulatedVna::busyRefusals() const
+{
+    return m_bench->operations.busyRefusals();
+}
+
 void SimulatedVna::waitUntilIdle()
 {
     m_bench->executor.waitUntilIdle();

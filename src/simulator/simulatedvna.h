@@ -70,6 +70,9 @@ public:
     /// The tables that the modules were given, for tests to look at: the contract has no way to read them.
     [[nodiscard]] const ModuleTables& tables() const;
 
+    /// How many requests have ended with `Error::Busy`, for tests to count.
+    [[nodiscard]] std::uint64_t busyRefusals() const;
+
     /// Waits until the instrument's thread has nothing to do before the clock goes on. Not on that
     /// thread.
     void waitUntilIdle();
