@@ -12,7 +12,7 @@ namespace tarn::simulator {
 /// a request is treated as a completion is.
 enum class Misbehaviour : std::uint8_t {
     None,
-    Twice, ///< calls it twice in a row; the value of the second is empty
+    Twice, ///< calls it twice in a row; a list or bytes come empty the second time
     Drop, ///< destroys it uncalled
     DropControls, ///< drops the controls, and destroys it uncalled with them
     Keep, ///< keeps it until the instrument is destroyed, and destroys it uncalled then
