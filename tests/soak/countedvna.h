@@ -1,12 +1,15 @@
 #pragma once
 
+#include "ledger.h"
 #include "ticket.h"
 
 #include <sdk/ivna.h>
 #include <utils/mutex.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 #include <utility>
@@ -14,12 +17,13 @@
 
 namespace tarn::soak {
 
-/// The device, which tells the ticket of a thread what that asks for, and knows which of the controls that it has
-/// handed out are alive. Thread-safe.
+/// The device, which knows for whom it is asked for a control (the ticket of a thread, or else a notification of the
+/// lifecycle) and which of the controls that it has handed out are alive. Thread-safe.
 class CountedVna final : public sdk::IVna {
 public:
-    explicit CountedVna(std::shared_ptr<sdk::IVna> device)
+    CountedVna(std::shared_ptr<sdk::IVna> device, Ledger& ledger)
         : m_device{std::move(device)}
+        , m_ledger{ledger}
     {
     }
 
@@ -30,6 +34,11 @@ public:
         auto control = m_device->control(key);
         if (auto* const ticket = Ticket::current())
             ticket->onAsked(control);
+        else if (!s_isNotifying)
+            ++m_strayAsks;
+        else if (isNeedless(key, control))
+            m_ledger.note(Breach::Duplicated, "a notification asked for a control although the handle was alive");
+        ++m_asks;
         if (control)
             remember(key, control);
         return control;
@@ -51,7 +60,48 @@ public:
         return count;
     }
 
+    /// Those of the adapter that all share.
+    [[nodiscard]] Handles& handles(sdk::Key key)
+    {
+        const utils::MutexLock lock{m_mutex};
+        return m_handles[key];
+    }
+
+    /// Around a notification of the lifecycle, on the instrument's thread.
+    void beginNotification()
+    {
+        s_isNotifying = true;
+        forAllHandles([](Handles& handles) { handles.begin(); });
+    }
+    void endNotification()
+    {
+        forAllHandles([](Handles& handles) { handles.end(); });
+        s_isNotifying = false;
+    }
+
+    /// How often it was asked.
+    [[nodiscard]] std::uint64_t asks() const { return m_asks; }
+
+    /// How often of that by nobody known, since the last call.
+    std::uint64_t takeStrayAsks() { return m_strayAsks.exchange(0); }
+
 private:
+    template <class Action>
+    void forAllHandles(Action action)
+    {
+        const utils::MutexLock lock{m_mutex};
+        for (auto& [key, handles] : m_handles)
+            action(handles);
+    }
+
+    /// Not of an adapter that nobody uses yet: it is being created.
+    bool isNeedless(sdk::Key key, const std::shared_ptr<void>& answer)
+    {
+        const utils::MutexLock lock{m_mutex};
+        const auto used = m_handles.find(key);
+        return used != m_handles.end() && used->second.answer(answer);
+    }
+
     void remember(sdk::Key key, const std::shared_ptr<void>& control)
     {
         const utils::MutexLock lock{m_mutex};
@@ -62,9 +112,15 @@ private:
         controls.push_back(control);
     }
 
+    static inline thread_local bool s_isNotifying = false;
+
     const std::shared_ptr<sdk::IVna> m_device;
+    Ledger& m_ledger;
+    std::atomic<std::uint64_t> m_asks = 0;
+    std::atomic<std::uint64_t> m_strayAsks = 0;
     utils::Mutex m_mutex;
     std::unordered_map<sdk::Key, std::vector<std::weak_ptr<void>>> m_handedOut TARN_GUARDED_BY(m_mutex);
+    std::unordered_map<sdk::Key, Handles> m_handles TARN_GUARDED_BY(m_mutex);
 };
 
 } // namespace tarn::soak

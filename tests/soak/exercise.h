@@ -75,6 +75,7 @@ public:
         : m_ledger{instrument.ledger}
         , m_instrument{instrument}
         , m_shared{instrument.controls().template control<Control>(Row::registryKey)}
+        , m_ownHandles(threads)
         , m_writer{index % threads}
         , m_observation{instrument, *m_shared, Row::name, threads}
     {
@@ -82,7 +83,6 @@ public:
             m_cells.emplace_back(Row::place.range);
         for (std::size_t i = 0; i != threads; ++i) {
             m_own.push_back(instrument.template create<Control>(Row::registryKey));
-            m_handles.emplace_back(instrument.device->control(Row::sdkKey));
             watchSignals(*m_own.back());
         }
         watchSignals(*m_shared);
@@ -137,7 +137,7 @@ private:
             cell.wipe();
         const auto reading = cell.beginReading();
 
-        Ticket ticket{choice.mishap, choice.isOwn ? &m_handles[choice.thread] : nullptr};
+        Ticket ticket{choice.isOwn ? m_ownHandles[choice.thread] : m_sharedHandles, choice.mishap};
         Record record{std::string{Row::name} + ", " + operation.name,
                       operation.way,
                       operation.locks,
@@ -181,7 +181,8 @@ private:
     const Operations<Control> m_operations = Row::operations();
     const std::shared_ptr<Control> m_shared;
     std::vector<std::shared_ptr<Control>> m_own; ///< by thread
-    std::vector<std::weak_ptr<void>> m_handles; ///< that the thread's own adapter was given last
+    std::deque<Handles> m_ownHandles; ///< of these
+    Handles& m_sharedHandles = m_instrument.device->handles(Row::sdkKey);
     std::deque<Cell> m_cells;
     const std::size_t m_writer; ///< the thread that writes
     std::atomic<std::uint64_t> m_orders = 0; ///< that the instrument has taken

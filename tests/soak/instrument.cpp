@@ -26,7 +26,7 @@ Instrument::Instrument(Ledger& theLedger)
     : ledger{theLedger}
     , m_simulated{std::make_shared<simulator::SimulatedVna>(settings(theLedger.seed()), std::make_shared<QuickClock>(),
                                                             std::make_unique<simulator::NoStorage>())}
-    , device{std::make_shared<CountedVna>(m_simulated)}
+    , device{std::make_shared<CountedVna>(m_simulated, theLedger)}
 {
     devices::service::servicecontrols::registrate(&m_registry);
     m_simulated->faults().setArbiter([](simulator::Faults::Decision& decision) {
@@ -59,16 +59,24 @@ void Instrument::First::onControlsAboutToBeReleased()
 {
     owner.m_offered.lock();
     owner.m_isAway = true;
+    owner.device->beginNotification();
 }
 
 void Instrument::First::onControlsAvailable()
 {
+    owner.device->beginNotification();
     for (const auto& attach : owner.m_followers)
         attach(*owner.m_simulated);
 }
 
+void Instrument::Last::onControlsAboutToBeReleased()
+{
+    owner.device->endNotification();
+}
+
 void Instrument::Last::onControlsAvailable()
 {
+    owner.device->endNotification();
     ++owner.ledger.cycles;
     if (owner.m_isAway)
         owner.m_offered.unlock();

@@ -73,7 +73,7 @@ private:
             : owner{theOwner}
         {
         }
-        void onControlsAboutToBeReleased() override { }
+        void onControlsAboutToBeReleased() override;
         void onControlsAvailable() override;
         Instrument& owner;
     };

@@ -22,7 +22,8 @@ void Ledger::note(Breach breach, const std::string& what, std::uint64_t count)
 
 bool Ledger::isClean() const
 {
-    return std::ranges::all_of(m_counts, [](const auto& count) { return count == 0; });
+    return cycles != 0 && calls != 0 && notifications != 0
+        && std::ranges::all_of(m_counts, [](const auto& count) { return count == 0; });
 }
 
 std::string Ledger::summary() const

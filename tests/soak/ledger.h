@@ -22,6 +22,7 @@ public:
     /// Counts a breach; the first ones are told on the standard error output.
     void note(Breach breach, const std::string& what, std::uint64_t count = 1);
 
+    /// Whether there was no breach, and something that could have been one.
     [[nodiscard]] bool isClean() const;
 
     /// The one line in which it ends.
@@ -32,6 +33,7 @@ public:
     std::atomic<std::uint64_t> cycles = 0; ///< drops that were followed by an offer
     std::atomic<std::uint64_t> calls = 0; ///< operations that reached the instrument
     std::atomic<std::uint64_t> notifications = 0; ///< that reached an observer
+    std::atomic<std::uint64_t> refusals = 0; ///< long requests that failed as the instrument was busy
 
 private:
     static constexpr int toldAtMost = 20;

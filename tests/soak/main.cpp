@@ -34,6 +34,7 @@ int soak(const Options& options)
         instrument->simulated().offer();
         workload.run(1, until(10));
         compare(ledger, warm, footprint());
+        std::cerr << "soak: " << instrument->device->asks() << " times the device was asked for a control\n";
     }
     std::cout << ledger.summary() << '\n';
     return ledger.isClean() ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -80,6 +80,7 @@ public:
     Observation(Instrument& instrument, Control& control, const char* name, std::size_t threads)
         : m_instrument{instrument}
         , m_control{control}
+        , m_handles{instrument.device->handles(Kind::Sdk::key)}
         , m_stream{instrument.ledger, name}
         , m_witness{m_stream, m_ends}
     {
@@ -140,7 +141,7 @@ private:
 
     void add(Entry& entry, Listener::Promise promise)
     {
-        const Ticket ticket;
+        const Ticket ticket{m_handles};
         m_stream.beginAdding(entry.observer.listener, promise);
         Kind::add(m_instrument, m_control, entry.observer);
         m_stream.endAdding(entry.observer.listener);
@@ -150,7 +151,7 @@ private:
 
     void remove(Entry& entry)
     {
-        const Ticket ticket;
+        const Ticket ticket{m_handles};
         m_stream.beginRemoving(entry.observer.listener);
         Kind::remove(m_instrument, m_control, entry.observer);
         m_stream.endRemoving(entry.observer.listener);
@@ -160,14 +161,15 @@ private:
 
     void check(const Ticket& ticket)
     {
-        if (ticket.operations != 0 || ticket.asks > 1)
+        if (ticket.operations != 0 || ticket.asks > 1 || ticket.needlessAsks != 0)
             m_instrument.ledger.note(Breach::Duplicated,
                                      "an observer that came or went asked the device " + std::to_string(ticket.asks)
-                                         + " times");
+                                         + " times, " + std::to_string(ticket.needlessAsks) + " of them needlessly");
     }
 
     Instrument& m_instrument;
     Control& m_control;
+    Handles& m_handles;
     Stream m_stream;
     std::atomic<std::uint64_t> m_ends = 0;
     typename Kind::Witness m_witness;

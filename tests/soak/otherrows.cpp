@@ -52,12 +52,19 @@ void TemperatureObservation::Witness::onTemperatureChanged()
     tell(0, std::bit_cast<std::uint64_t>(double{control->temperature()}));
 }
 
-std::shared_ptr<void> TemperatureObservation::connect(Control& control, Hearer& hearer)
+std::shared_ptr<void> TemperatureObservation::stay(Control& control, Hearer& hearer)
 {
     const auto connection = QObject::connect(&control, &Control::temperaturesChanged, [&control, &hearer] {
         hearer.hear(0, std::bit_cast<std::uint64_t>(control.temperature()));
     });
-    return std::make_shared<QMetaObject::Connection>(connection);
+    return {&hearer, [connection](void* /*hearer*/) { QObject::disconnect(connection); }};
+}
+
+std::shared_ptr<void> TemperatureObservation::pass(const Instrument& instrument, Control& /*shared*/, Hearer& hearer)
+{
+    const auto control = instrument.create<Control>(Control::registryKey);
+    QObject::connect(control.get(), &Control::temperaturesChanged, [&hearer] { hearer.hear(0); });
+    return control;
 }
 
 /// The snapshot is read without the instrument.

@@ -71,7 +71,9 @@ struct TemperatureObservation {
         witness.control = &control;
         witness.onTemperatureChanged(); // the snapshot is taken anew and told
     }
-    static std::shared_ptr<void> connect(Control& control, Hearer& hearer);
+    static std::shared_ptr<void> stay(Control& control, Hearer& hearer);
+    static std::shared_ptr<void> pass(const Instrument& instrument, Control& control, Hearer& hearer);
+    static constexpr bool makesAdapter = true; ///< a connection that ends does not wait for its slot, an adapter does
 };
 
 struct Temperature {
@@ -105,7 +107,7 @@ struct ControllerObservation {
 
     static void whenOffered(Stream& stream, Witness& /*witness*/, Sdk& /*control*/) { stream.issue({{0, 0}, {2, 0}}); }
 
-    static std::shared_ptr<void> connect(Control& control, Hearer& hearer)
+    static std::shared_ptr<void> stay(Control& control, Hearer& hearer)
     {
         auto watcher = std::make_shared<Watcher>(control);
         auto* const from = watcher.get();
@@ -115,6 +117,12 @@ struct ControllerObservation {
         QObject::connect(from, &Watcher::configurationChanged, [&hearer] { hearer.hear(2); });
         return watcher;
     }
+
+    static std::shared_ptr<void> pass(const Instrument& /*instrument*/, Control& control, Hearer& hearer)
+    {
+        return stay(control, hearer);
+    }
+    static constexpr bool makesAdapter = false;
 };
 
 template <std::uint64_t theRegistryKey, sdk::Key theSdkKey>

@@ -54,7 +54,9 @@ bool settle(Ledger& ledger, const Ticket& ticket, const Record& record)
     const bool isFailure = ticket.trouble() == Trouble::Fails && (isRequest || record.way == Way::Order);
     bool isDone = isReached && !isThrown && !isFailure;
     if (const auto said = record.answer.isSuccess; said && *said != isDone) {
-        if (*said || record.way != Way::LongRequest)
+        if (!*said && record.way == Way::LongRequest)
+            ++ledger.refusals;
+        else
             ledger.note(Breach::Lost,
                         record.name + (*said ? ": said that it had succeeded" : ": said that it had failed"));
         isDone = isDone && *said;

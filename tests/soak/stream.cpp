@@ -31,7 +31,7 @@ void Stream::hear(Listener& listener, Event event)
     const auto heard = ++listener.m_heard;
     if (listener.m_promise == Listener::Promise::Everything)
         hearOne(listener, event, issued);
-    else if (heard > issued - listener.m_base + 1) // it may have been told one before the stream was
+    else if (heard > issued - listener.m_base + mostPerOffer) // the stream may have been told before
         note(Breach::Duplicated,
              text(event) + " is the " + std::to_string(heard) + "th of " + std::to_string(issued - listener.m_base)
                  + " that an observer has heard");

@@ -71,6 +71,7 @@ public:
 
 private:
     static constexpr std::size_t kept = 8;
+    static constexpr std::uint64_t mostPerOffer = 2; ///< events that are issued at once
 
     void hearOne(Listener& listener, Event event, std::uint64_t issued);
     [[nodiscard]] std::uint64_t due(const Listener& listener) const;

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "handles.h"
+
 #include <simulator/faults.h>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace tarn::soak {
@@ -26,17 +29,21 @@ struct Mishap {
 /// border to the instrument. All of that happens on the thread that makes it.
 class Ticket {
 public:
-    /// `lastHandle` is what this thread alone was given last for the adapter, if nobody else uses that.
-    explicit Ticket(const Mishap& mishap = {}, std::weak_ptr<void>* lastHandle = nullptr)
+    /// `handles` are those of the adapter.
+    explicit Ticket(Handles& handles, const Mishap& mishap = {})
         : m_mishap{mishap}
-        , m_lastHandle{lastHandle}
-        , m_mustAsk{lastHandle && lastHandle->expired()}
+        , m_handles{handles}
+        , m_asksBefore{handles.begin()}
     {
         s_current = this;
     }
     Ticket(const Ticket&) = delete;
     Ticket& operator=(const Ticket&) = delete;
-    ~Ticket() { s_current = nullptr; }
+    ~Ticket()
+    {
+        s_current = nullptr;
+        m_handles.end();
+    }
 
     /// The one of this thread; null if it has none.
     [[nodiscard]] static Ticket* current() { return s_current; }
@@ -49,10 +56,7 @@ public:
         refusals += answer ? 0U : 1U;
         m_unused = answer;
         m_isUnused = answer != nullptr;
-        if (!m_lastHandle)
-            return;
-        needlessAsks += m_lastHandle->expired() ? 0U : 1U;
-        *m_lastHandle = answer;
+        needlessAsks += m_handles.answer(answer) ? 1U : 0U;
     }
 
     /// An operation has reached the instrument, which does with it what `decision` says.
@@ -74,8 +78,8 @@ public:
 
     [[nodiscard]] Trouble trouble() const { return m_mishap.trouble; }
 
-    /// The control was used without having been asked for, although the handle had expired.
-    [[nodiscard]] bool isAskMissing() const { return m_mustAsk && asks == 0; }
+    /// Nobody has asked for the control since the operation began, although the handle had expired.
+    [[nodiscard]] bool isAskMissing() const { return m_asksBefore == m_handles.asks(); }
 
     unsigned asks = 0;
     unsigned refusals = 0; ///< asks that were answered with nothing, or with a control that was dropped before its use
@@ -87,8 +91,8 @@ private:
     void settleLastAnswer() { refusals += std::exchange(m_isUnused, false) && m_unused.expired() ? 1U : 0U; }
 
     const Mishap m_mishap;
-    std::weak_ptr<void>* const m_lastHandle;
-    const bool m_mustAsk;
+    Handles& m_handles;
+    const std::optional<std::uint64_t> m_asksBefore;
     std::weak_ptr<void> m_unused; ///< the last answer, if nothing has been done with it yet
     bool m_isUnused = false;
     static inline thread_local Ticket* s_current = nullptr;

@@ -1,9 +1,6 @@
 #include "workload.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <iostream>
 #include <random>
 #include <string>
 #include <thread>
@@ -13,8 +10,6 @@ namespace tarn::soak {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr auto patience = 60s;
 
 /// The decisions of one thread, which its seed settles.
 class Decisions {
@@ -51,19 +46,21 @@ private:
 
 void Workload::run(unsigned phase, const std::function<bool()>& isEnough)
 {
-    for (const auto& exercise : m_exercises)
+    m_instrument.device->takeStrayAsks(); // those of the preparations
+    for (const auto& exercise : m_exercises) {
+        m_watch.goOn(m_resting, exercise->name());
         exercise->begin();
-    for (auto& doing : m_doing)
-        doing = m_exercises.front().get();
+    }
+    m_watch.rest(m_resting);
     m_isOver = false;
     {
         std::vector<std::jthread> threads;
         threads.emplace_back([this] { comeAndGo(); });
         for (std::size_t thread = 0; thread != m_options.threads; ++thread)
             threads.emplace_back([this, thread, phase] { use(thread, phase); });
-        waitFor(isEnough);
+        while (!isEnough())
+            std::this_thread::sleep_for(10ms);
         m_isOver = true;
-        waitFor([this] { return std::ranges::all_of(m_doing, [](const auto& doing) { return !doing; }); });
     }
     rest();
 }
@@ -73,66 +70,61 @@ void Workload::use(std::size_t thread, unsigned phase)
     Decisions decisions{m_options.seed, thread, phase};
     while (!m_isOver) {
         auto& exercise = *m_exercises[decisions.pick(m_exercises.size())];
-        m_doing[thread] = &exercise;
+        m_watch.goOn(thread, exercise.name());
         exercise.perform(decisions.next(thread));
-        ++m_steps;
     }
-    m_doing[thread] = nullptr;
+    m_watch.rest(thread);
 }
 
 void Workload::comeAndGo()
 {
     while (!m_isOver) {
+        m_watch.goOn(m_coming, "drop");
         m_instrument.simulated().drop();
+        m_watch.goOn(m_coming, "offer");
         m_instrument.simulated().offer();
     }
-}
-
-/// Gives up if no thread has made a step for a long time.
-void Workload::waitFor(const std::function<bool()>& isTrue)
-{
-    auto steps = m_steps.load();
-    auto deadline = std::chrono::steady_clock::now() + patience;
-    while (!isTrue()) {
-        std::this_thread::sleep_for(10ms);
-        if (const auto now = m_steps.load(); now != steps) {
-            steps = now;
-            deadline = std::chrono::steady_clock::now() + patience;
-        } else if (std::chrono::steady_clock::now() > deadline) {
-            giveUp();
-        }
-    }
-}
-
-/// Says who hangs and ends the program, as nothing can be taken apart any more.
-void Workload::giveUp()
-{
-    for (std::size_t thread = 0; thread != m_doing.size(); ++thread) {
-        if (const auto* const exercise = m_doing[thread].load())
-            m_instrument.ledger.note(Breach::Lost,
-                                     std::string{exercise->name()} + ": thread " + std::to_string(thread)
-                                         + " has been waiting in there for a minute");
-    }
-    std::cout << m_instrument.ledger.summary() << std::endl;
-    std::_Exit(EXIT_FAILURE);
+    m_watch.rest(m_coming);
 }
 
 /// Brings everything to rest, and looks at what is left.
 void Workload::rest()
 {
     auto& simulated = m_instrument.simulated();
+    m_watch.goOn(m_resting, "the last offer");
     simulated.offer();
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    const auto isAtRest = [](const auto& exercise) { return exercise->isAtRest(); };
-    while (!std::ranges::all_of(m_exercises, isAtRest) && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(10ms);
+    for (const auto& exercise : m_exercises) {
+        m_watch.goOn(m_resting, exercise->name());
+        while (!exercise->isAtRest())
+            std::this_thread::sleep_for(10ms);
+    }
+    m_watch.goOn(m_resting, "the instrument's thread");
     simulated.waitUntilIdle();
-    for (const auto& exercise : m_exercises)
+    for (const auto& exercise : m_exercises) {
+        m_watch.goOn(m_resting, exercise->name());
         exercise->end();
+    }
+    m_watch.goOn(m_resting, "the last drop");
     simulated.drop();
     simulated.waitUntilIdle();
-    if (const auto live = m_instrument.device->liveControls())
-        m_instrument.ledger.note(Breach::Leaked, std::to_string(live) + " controls that were dropped are alive", live);
+    m_watch.rest(m_resting);
+    check();
+}
+
+void Workload::check()
+{
+    auto& ledger = m_instrument.ledger;
+    auto& device = *m_instrument.device;
+    if (const auto live = device.liveControls())
+        ledger.note(Breach::Leaked, std::to_string(live) + " controls that were dropped are alive", live);
+    if (const auto asks = device.takeStrayAsks())
+        ledger.note(Breach::Duplicated, "the device was asked by nobody known", asks);
+    const std::uint64_t refusals = ledger.refusals;
+    if (const auto told = m_instrument.simulated().busyRefusals(); refusals != told)
+        ledger.note(refusals < told ? Breach::Lost : Breach::Duplicated,
+                    std::to_string(refusals)
+                        + " requests failed although nothing was wrong, but the instrument was busy "
+                        + std::to_string(told) + " times");
 }
 
 } // namespace tarn::soak

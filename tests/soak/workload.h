@@ -2,9 +2,10 @@
 
 #include "options.h"
 #include "table.h"
+#include "watch.h"
 
 #include <atomic>
-#include <cstdint>
+#include <cstddef>
 #include <functional>
 
 namespace tarn::soak {
@@ -16,7 +17,7 @@ public:
         : m_instrument{instrument}
         , m_exercises{exercises}
         , m_options{options}
-        , m_doing(options.threads)
+        , m_watch{instrument.ledger, options.threads + 2}
     {
     }
 
@@ -27,16 +28,16 @@ public:
 private:
     void use(std::size_t thread, unsigned phase);
     void comeAndGo();
-    void waitFor(const std::function<bool()>& isTrue);
     void rest();
-    [[noreturn]] void giveUp();
+    void check();
 
     Instrument& m_instrument;
     const std::vector<std::unique_ptr<Exercise>>& m_exercises;
     const Options& m_options;
     std::atomic<bool> m_isOver = false;
-    std::atomic<std::uint64_t> m_steps = 0;
-    std::vector<std::atomic<const Exercise*>> m_doing; ///< what each thread uses; null: it has ended
+    const std::size_t m_coming = m_options.threads; ///< the number of the thread that makes the instrument come and go
+    const std::size_t m_resting = m_coming + 1; ///< of the one that brings everything to rest
+    Watch m_watch;
 };
 
 } // namespace tarn::soak
