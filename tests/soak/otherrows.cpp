@@ -63,7 +63,9 @@ std::shared_ptr<void> TemperatureObservation::stay(Control& control, Hearer& hea
 std::shared_ptr<void> TemperatureObservation::pass(const Instrument& instrument, Control& /*shared*/, Hearer& hearer)
 {
     const auto control = instrument.create<Control>(Control::registryKey);
+    control->onControlsAboutToBeReleased(); // as with a watcher
     QObject::connect(control.get(), &Control::temperaturesChanged, [&hearer] { hearer.hear(0); });
+    control->onControlsAvailable();
     return control;
 }
 

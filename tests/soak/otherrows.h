@@ -111,10 +111,12 @@ struct ControllerObservation {
     {
         auto watcher = std::make_shared<Watcher>(control);
         auto* const from = watcher.get();
+        from->detach(); // the thread sanitizer does not see how Qt hands a slot to another thread
         QObject::connect(from, &Watcher::unitStatusChanged, [&hearer] { hearer.hear(0); });
         QObject::connect(from, &Watcher::saveProgressChanged,
                          [&hearer](int percent) { hearer.hear(1, static_cast<std::uint64_t>(percent)); });
         QObject::connect(from, &Watcher::configurationChanged, [&hearer] { hearer.hear(2); });
+        from->attach();
         return watcher;
     }
 
