@@ -218,6 +218,23 @@ TEST_F(Bridge, RefusesASecondCompletionAtTheOneWhoMakesIt)
     EXPECT_EQ(result.value(), 4) << "the first completion counts";
 }
 
+TEST_F(Bridge, RefusesASecondCompletionOnTheThreadOfTheSdk)
+{
+    std::future_errc refusal{};
+    const auto result = awaitOrMessage<int>([&](const Value& done) {
+        std::thread{[&] {
+            done(4, {});
+            try {
+                done(5, strange.code(1));
+            } catch (const std::future_error& error) {
+                refusal = static_cast<std::future_errc>(error.code().value());
+            }
+        }}.join(); // the request has not returned: the caller is still there
+    });
+    EXPECT_EQ(refusal, std::future_errc::promise_already_satisfied);
+    EXPECT_EQ(result.value(), 4);
+}
+
 TEST_F(Bridge, PassesAnExceptionOfTheRequestOnUnchanged)
 {
     for (const auto& exception : anyExceptions()) {
