@@ -13,12 +13,6 @@ using Adapter = SablePower::Adapter;
 using Sdk = SablePower::Sdk;
 using SablePowerControl = AdapterTest<Sdk, Adapter, SablePower::Mock>;
 
-// The two orders of the step attenuator's modes.
-static_assert(static_cast<int>(Adapter::StepAttenuatorMode::Automatic) == 3);
-static_assert(static_cast<int>(Adapter::StepAttenuatorMode::Both) == 4);
-static_assert(static_cast<int>(Sdk::StepAttenuatorMode::Both) == 3);
-static_assert(static_cast<int>(Sdk::StepAttenuatorMode::Automatic) == 4);
-
 TEST_F(SablePowerControl, SwapsTheStepAttenuatorModesThreeAndFour)
 {
     control.setStepAttenuatorMode(Adapter::StepAttenuatorMode{3});
