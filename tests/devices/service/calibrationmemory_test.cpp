@@ -1,5 +1,7 @@
 // How a write of calibration data allocates its lists, in a program that watches the large blocks it allocates.
 
+#include <devices/errortermsconversion.h>
+#include <devices/service/sdksystemtermscontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
 
@@ -12,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -63,6 +66,17 @@ TEST(CalibrationMemory, ThePointsOfAPowerCalibrationGetTheirRoomAtOnce)
 
     const auto allocated = allocatedBy([&] { control.saveCalibrationData({}, 0.0, std::move(points)); });
     EXPECT_THAT(allocated, ElementsAre(count * sizeof(Sdk::PowerCalPoint)));
+}
+
+TEST(CalibrationMemory, TheTermsOfAWriteForAPlanAreConvertedAndNotCopied)
+{
+    const vna::ErrorTerms terms{1, std::vector<double>(AllocationProbe::large)};
+    devices::service::SdkSystemTermsControl control{
+        handleTo<sdk::service::ISystemTermsControl>(std::make_shared<PlainSystemTermsControl>())};
+
+    const auto converted = allocatedBy([&] { std::ignore = devices::errorTermsToSdk(terms); });
+    EXPECT_THAT(converted, testing::SizeIs(4)) << "the frequencies and three traces";
+    EXPECT_EQ(allocatedBy([&] { control.requestWriteTerms({}, 0.0, {{}}, terms); }), converted);
 }
 
 } // namespace

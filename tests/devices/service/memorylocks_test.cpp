@@ -19,6 +19,7 @@ namespace tarn::tests {
 namespace {
 
 using devices::service::IMemoryOperationsControl;
+using devices::service::ISerialNumberControl;
 using devices::service::Progress;
 using devices::service::SdkMemoryOperationsControl;
 using devices::service::SdkMemoryUsbId;
@@ -31,6 +32,10 @@ struct Listener final : IMemoryOperationsControl::IObserver {
     void onEraseProgressChanged(const Progress& /*progress*/) override { ++heard; }
     void onIntegrityCheckProgressChanged(const Progress& /*progress*/) override { ++heard; }
     int heard = 0;
+};
+
+struct NumberListener final : ISerialNumberControl::IObserver {
+    void onWriteProgressChanged(const Progress& /*progress*/) override { }
 };
 
 TEST(MemoryLocks, EveryRequestLocksTheHandleAlone)
@@ -48,6 +53,9 @@ TEST(MemoryLocks, EveryRequestLocksTheHandleAlone)
         handleTo<sdk::service::IMemorySerialNumberControl>(std::make_shared<PlainMemorySerialNumberControl>())};
     EXPECT_EQ(locksOf([&] { std::ignore = number.serialNumber(); }), 1);
     EXPECT_EQ(locksOf([&] { std::ignore = number.writeSerialNumber(1); }), 1);
+    NumberListener listener;
+    EXPECT_EQ(locksOf([&] { number.addObserver(listener); }), 1) << "the list's";
+    EXPECT_EQ(locksOf([&] { number.removeObserver(listener); }), 1);
 
     SdkPotentiometersControl potentiometers{
         handleTo<sdk::service::IPotentiometersControl>(std::make_shared<PlainPotentiometersControl>())};
