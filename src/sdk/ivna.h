@@ -24,8 +24,10 @@ namespace sdk {
 /// others are notified all the same.
 ///
 /// Once a control was dropped, none of the observers that were registered with it is being notified or
-/// will be. One that is registered later, with a control that is still in use, has to be removed. A
-/// device is not destroyed from inside a completion or a notification.
+/// will be. One that is registered later, with a control that is still in use, hears nothing while the
+/// device offers none, and nothing once that control is gone, unless it can be removed through the
+/// one that is offered then.
+/// A device is not destroyed from inside a completion or a notification.
 class SDK_API IVna {
 public:
     /// Learns when the device's controls come and go. A host forwards both notifications to those

@@ -83,7 +83,7 @@ private:
 
 MakeControl install(const std::shared_ptr<Bench>& bench, std::shared_ptr<Units> units)
 {
-    bench->endRegistrations.emplace_back([units] { units->observers.clear(); });
+    bench->registrations.emplace_back([units](bool isOpen) { units->observers.setOpen(isOpen); });
     return [bench, units = std::move(units)]() -> std::shared_ptr<ICalibrationController> {
         return std::make_shared<CalibrationController>(bench, units);
     };

@@ -143,7 +143,7 @@ template <class Kind, class Control>
 [[nodiscard]] MakeControl installCalibration(const std::shared_ptr<Bench>& bench)
 {
     auto part = std::make_shared<CalibrationPart<Kind>>(*bench);
-    bench->endRegistrations.emplace_back([part] { part->observers.endOffer(); });
+    bench->registrations.emplace_back([part](bool isOpen) { part->observers.setOpen(isOpen); });
     return [bench, part]() -> std::shared_ptr<typename Kind::Control> {
         bench->atOffer.emplace_back([part] { part->observers.beginOffer(); });
         return std::make_shared<Control>(bench, part);

@@ -84,7 +84,7 @@ private:
 MakeControl installFactoryCorrections(const std::shared_ptr<Bench>& bench)
 {
     auto corrections = std::make_shared<FactoryCorrections>(*bench);
-    bench->endRegistrations.emplace_back([corrections] { corrections->observers.clear(); });
+    bench->registrations.emplace_back([corrections](bool isOpen) { corrections->observers.setOpen(isOpen); });
     for (CalibrationSlot* const slot : std::initializer_list<CalibrationSlot*>{
              &bench->calibrations.systemTerms, &bench->calibrations.ifsw, &bench->calibrations.power})
         slot->changed.emplace_back([corrections] { corrections->tellChanges(); });

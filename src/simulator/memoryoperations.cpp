@@ -279,7 +279,7 @@ private:
 MakeControl installMemoryOperations(const std::shared_ptr<Bench>& bench)
 {
     auto device = std::make_shared<Device>(*bench);
-    bench->endRegistrations.emplace_back([device] { device->observers.clear(); });
+    bench->registrations.emplace_back([device](bool isOpen) { device->observers.setOpen(isOpen); });
     return [bench, device]() -> std::shared_ptr<Control> {
         return std::make_shared<MemoryOperationsControl>(bench, device);
     };

@@ -12,8 +12,8 @@
 
 namespace tarn::simulator {
 
-/// The observers of one part of the instrument. A control that somebody still holds after a drop is
-/// a way to the same part, so what it registers is heard with the controls of the next offer.
+/// The observers of one part of the instrument. A control that somebody still holds after a drop is a way to the same
+/// part: it registers nothing while none is on offer, and afterwards the same as the one that is.
 /// Thread-safe, except that one thread at a time notifies. No lock is held while an observer is
 /// notified.
 template <class T>
@@ -24,12 +24,12 @@ public:
     Observers& operator=(const Observers&) = delete;
     virtual ~Observers() = default;
 
-    /// Registers `observer`, unless it is null; twice is the same as once. From inside a notification, it takes part
-    /// from the next one on.
+    /// Registers `observer`, unless it is null or there is no registration now; twice is the same as once. From inside
+    /// a notification, it takes part from the next one on.
     void add(T* observer)
     {
         const utils::MutexLock lock{m_mutex};
-        if (observer && std::ranges::find(m_observers, observer) == m_observers.end())
+        if (m_isOpen && observer && std::ranges::find(m_observers, observer) == m_observers.end())
             m_observers.push_back(observer);
     }
 
@@ -44,11 +44,14 @@ public:
             waitForEnd(m_mutex);
     }
 
-    /// Ends every registration. Does not wait.
-    void clear()
+    /// Whether there is registration from now on, as there is at first. Its end is that of every registration, and does
+    /// not wait.
+    void setOpen(bool isOpen)
     {
         const utils::MutexLock lock{m_mutex};
-        m_observers.clear();
+        m_isOpen = isOpen;
+        if (!isOpen)
+            m_observers.clear();
     }
 
     /// Calls `notification` on every observer in the order of registration. What one of them
@@ -99,6 +102,7 @@ private:
 
     utils::Mutex m_mutex;
     std::condition_variable_any m_ended;
+    bool m_isOpen TARN_GUARDED_BY(m_mutex) = true;
     std::vector<T*> m_observers TARN_GUARDED_BY(m_mutex);
     T* m_notified TARN_GUARDED_BY(m_mutex) = nullptr;
     std::thread::id m_thread TARN_GUARDED_BY(m_mutex);

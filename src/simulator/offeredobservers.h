@@ -24,11 +24,11 @@ public:
         deliver();
     }
 
-    /// The control is dropped: ends every registration.
-    void endOffer()
+    /// Whether the control is going to be offered, and there is registration: or it is dropped.
+    void setOpen(bool isOpen)
     {
         m_isOffered = false;
-        m_observers.clear();
+        m_observers.setOpen(isOpen);
     }
 
     /// Tells it now, or when the control is offered again.

@@ -145,7 +145,7 @@ private:
 MakeControl installSerialNumber(const std::shared_ptr<Bench>& bench)
 {
     auto serialNumber = std::make_shared<SerialNumber>(*bench);
-    bench->endRegistrations.emplace_back([serialNumber] { serialNumber->observers.clear(); });
+    bench->registrations.emplace_back([serialNumber](bool isOpen) { serialNumber->observers.setOpen(isOpen); });
     return [bench, serialNumber]() -> std::shared_ptr<Control> {
         return std::make_shared<SerialNumberControl>(bench, serialNumber);
     };

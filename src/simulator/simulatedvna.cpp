@@ -27,8 +27,8 @@ SimulatedVna::SimulatedVna(const Settings& settings)
 SimulatedVna::~SimulatedVna()
 {
     m_bench->faults.endHanging();
-    m_observers->clear();
-    m_bench->executor.run([this] { endRegistrations(); });
+    m_observers->setOpen(false);
+    m_bench->executor.run([this] { openRegistrations(false); });
     m_bench->executor.stop();
 }
 
@@ -112,7 +112,7 @@ void SimulatedVna::dropNow()
     m_observers->notify(&Observer::onControlsAboutToBeReleased);
     m_isOffered = false;
     ++m_drops;
-    endRegistrations();
+    openRegistrations(false);
     setOffer({}, m_bench->usbIdentity.current().model);
 }
 
@@ -120,7 +120,7 @@ void SimulatedVna::offerNow()
 {
     if (m_isOffered)
         return;
-    endRegistrations(); // a new control starts without any
+    openRegistrations(true);
     m_bench->usbIdentity.enumerate();
     const auto model = m_bench->usbIdentity.current().model;
     m_bench->calibrations.setLimits(calibrationLimits(m_bench->settings.profile, model));
@@ -154,11 +154,11 @@ void SimulatedVna::dropFor(Duration away)
 }
 
 /// Those of the observers of controls. On the instrument's thread.
-void SimulatedVna::endRegistrations()
+void SimulatedVna::openRegistrations(bool areOpen)
 {
     m_bench->atOffer.clear();
-    for (const auto& react : m_bench->endRegistrations)
-        react();
+    for (const auto& open : m_bench->registrations)
+        open(areOpen);
 }
 
 void SimulatedVna::setOffer(Offer offer, sdk::Model model)

@@ -93,7 +93,7 @@ MakeControl installTemperature(const std::shared_ptr<Bench>& bench)
 {
     auto thermometers = std::make_shared<Thermometers>(bench);
     thermometers->measureFrom(bench->clock->now());
-    bench->endRegistrations.emplace_back([thermometers] { thermometers->observers().clear(); });
+    bench->registrations.emplace_back([thermometers](bool isOpen) { thermometers->observers().setOpen(isOpen); });
     return [bench, thermometers]() -> std::shared_ptr<sdk::ITemperatureControl> {
         return std::make_shared<TemperatureControl>(bench, thermometers);
     };

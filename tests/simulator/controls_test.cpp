@@ -146,6 +146,8 @@ TEST_F(TemperatureTest, TakesARegistrationThroughAHeldControlForTheOfferOfThatTi
     TemperatureObserver observer{[&] { ++notified; }};
     instrument.vna->drop();
     temperature->addObserver(&observer); // while nothing is offered
+    instrument.advance(1s);
+    EXPECT_EQ(notified, 0) << "nobody could remove it any more";
     instrument.vna->offer();
     instrument.advance(1s);
     EXPECT_EQ(notified, 0);

@@ -108,13 +108,20 @@ TEST_F(ObserversTest, NotifiesTheOthersWhenOneThrows)
     observers.remove(&thrower); // returns: nothing is being notified any more
 }
 
-TEST_F(ObserversTest, NotifiesNobodyAfterClearing)
+TEST_F(ObserversTest, NotifiesNobodyAndTakesNobodyWhileClosed)
 {
-    auto listener = noting("listener");
-    observers.add(&listener);
-    observers.clear();
+    auto before = noting("before");
+    auto meanwhile = noting("meanwhile");
+    auto after = noting("after");
+    observers.add(&before);
+    observers.setOpen(false);
+    observers.add(&meanwhile);
     notify();
     EXPECT_THAT(heard, IsEmpty());
+    observers.setOpen(true);
+    observers.add(&after);
+    notify();
+    EXPECT_THAT(heard, ElementsAre("after"));
 }
 
 /// Calls a function when somebody begins to wait.
