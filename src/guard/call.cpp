@@ -39,7 +39,7 @@ void Call::onThrew()
         state = m_state.load(std::memory_order_acquire);
     }
     if (phaseOf(state) == Phase::Completed)
-        report(Breach::CompletedAndThrew, 1);
+        report(Breach::CompletedAndThrew, moreCompletionsOf(state) + 1);
     letGo(returned);
 }
 

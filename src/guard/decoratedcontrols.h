@@ -97,6 +97,11 @@ public:
     /// The host learns of the device's progress from now on.
     void observe() { m_progress.observe(control()); }
     void onDrop() { m_progress.onDrop(); }
+    void onOffer()
+    {
+        m_progress.onOffer();
+        observe();
+    }
 
     void addObserver(IObserver* observer) override { control().addObserver(observer); }
     void removeObserver(IObserver* observer) override { control().removeObserver(observer); }
@@ -155,6 +160,11 @@ public:
     /// The host learns of the device's progress from now on.
     void observe() { m_progress.observe(control()); }
     void onDrop() { m_progress.onDrop(); }
+    void onOffer()
+    {
+        m_progress.onOffer();
+        observe();
+    }
 
     void addObserver(Observer* observer) override { control().addObserver(observer); }
     void removeObserver(Observer* observer) override { control().removeObserver(observer); }

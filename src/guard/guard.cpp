@@ -57,21 +57,25 @@ private:
         }
         void onControlsAvailable() override
         {
-            m_vna.tell(&MemoryOperations::observe);
-            m_vna.tell(&SerialNumber::observe);
+            m_vna.tell(&MemoryOperations::onOffer);
+            m_vna.tell(&SerialNumber::onOffer);
         }
 
     private:
         GuardedVna& m_vna;
     };
 
-    /// Calls `notification` of the decoration of what the device offers.
+    /// Calls `notification` of the decoration of what the device offers. What the device throws then costs progress at
+    /// the most.
     template <class Type>
-    void tell(void (Type::*notification)())
+    void tell(void (Type::*notification)()) noexcept
     {
         using Interface = typename Type::Interface;
-        if (const auto offered = control<Interface>(Interface::key))
-            (static_cast<Type&>(*offered).*notification)();
+        try {
+            if (const auto offered = control<Interface>(Interface::key))
+                (static_cast<Type&>(*offered).*notification)();
+        } catch (...) { // NOLINT(bugprone-empty-catch)
+        }
     }
 
     std::shared_ptr<sdk::IVna> m_device;

@@ -53,7 +53,9 @@ public:
 
 struct Options {
     /// How long a request may take without progress of any operation of the device. It is noticed up to an eighth of it
-    /// later. Less than a millisecond counts as one, more than ten years as ten.
+    /// later, or more on a busy computer and beside a guarded device with a much shorter limit: of the time, what lies
+    /// between two looks counts as one interval at the most. Less than a millisecond counts as one, more than ten years
+    /// as ten.
     std::chrono::milliseconds limit = std::chrono::seconds{30};
 
     std::shared_ptr<IBreachObserver> observer; ///< may be null

@@ -90,6 +90,9 @@ public:
     /// The device drops the control, and what observes it. Who observed it later would have to stop.
     void onDrop() { m_state = State::Dropped; }
 
+    /// The device offers the control, which it may have dropped before.
+    void onOffer() { m_state = State::Unobserved; }
+
 private:
     enum class State : std::uint8_t { Unobserved, Observed, Dropped };
 

@@ -148,6 +148,22 @@ TEST_F(GuardEndings, ACompletionBeforeAThrowIsCountedOnce)
     EXPECT_EQ(reports[0].completions, 1U);
 }
 
+TEST_F(GuardEndings, EveryCompletionBeforeAThrowIsCounted)
+{
+    offer([&](const FilesDone& done) {
+        done(someFiles, {});
+        done(someFiles, {});
+        throw std::runtime_error{"device"};
+    });
+    EXPECT_THROW(control()->fileList([](const Files& /*files*/, std::error_code /*code*/) { }), std::runtime_error);
+    const auto reports = breaches->await(2);
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[0].breach, Breach::CompletedAgain);
+    EXPECT_EQ(reports[0].completions, 2U);
+    EXPECT_EQ(reports[1].breach, Breach::CompletedAndThrew);
+    EXPECT_EQ(reports[1].completions, 2U);
+}
+
 TEST_F(GuardEndings, NothingOfTheCallersCompletionIsKeptAfterItsEnd)
 {
     FilesDone kept;

@@ -247,6 +247,24 @@ TEST_F(GuardedMemoryOperations, HearsTheProgressOfARequestThatOutlastsADrop)
     EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
 }
 
+TEST_F(GuardedMemoryOperations, ObserveAControlThatIsOfferedAgain)
+{
+    Observer* observer = nullptr;
+    EXPECT_CALL(*mock, addObserver).Times(2).WillRepeatedly(testing::SaveArg<0>(&observer));
+    std::jthread thread;
+    EXPECT_CALL(*mock, erase).WillOnce([&](sdk::Completion<> done) {
+        thread = std::jthread{[&, done = std::move(done)] {
+            device->announceRelease(); // which ends the registration
+            observer = nullptr;
+            device->announceAvailable();
+            if (observer)
+                progress(*observer, &Observer::onEraseProgressChanged);
+            done({});
+        }};
+    });
+    EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
+}
+
 TEST_F(GuardedMemoryOperations, DoNotObserveWhatWasDropped)
 {
     EXPECT_CALL(*mock, addObserver).Times(0);
