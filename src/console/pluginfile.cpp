@@ -29,6 +29,9 @@ using namespace std::chrono_literals;
 /// Much longer than any plug-in takes to load, on a busy computer too.
 constexpr auto longestTrial = 10s;
 
+/// How a process ends that has used a plug-in: none that the plug-in has ended does so by chance.
+constexpr int trialPassed = 113;
+
 /// The first line of the checksum that lies next to a file; nothing if there is none.
 std::optional<QByteArray> checksumOf(const QString& file)
 {
@@ -49,7 +52,7 @@ void use(const QString& file)
 }
 
 /// In a process of its own, which leaves nothing behind and goes with the one that started it.
-[[noreturn]] void tryOut(const QString& file, pid_t program)
+[[noreturn]] void tryOut(const QString& file, pid_t program) noexcept
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != program)
@@ -61,16 +64,16 @@ void use(const QString& file)
             ::dup2(nowhere, stream);
     }
     use(file);
-    ::_exit(EXIT_SUCCESS);
+    ::_exit(trialPassed);
 }
 
-/// How `child` ends; nothing if it had to be ended.
-std::optional<int> outcomeOf(pid_t child)
+/// Whether `child` ends as it should; nothing if it had to be ended.
+std::optional<bool> outcomeOf(pid_t child)
 {
     int status = 0;
     for (auto left = longestTrial / 1ms; left > 0; --left) {
-        if (::waitpid(child, &status, WNOHANG) != 0)
-            return status;
+        if (const auto ended = ::waitpid(child, &status, WNOHANG); ended != 0)
+            return ended == child && WIFEXITED(status) && WEXITSTATUS(status) == trialPassed;
         std::this_thread::sleep_for(1ms);
     }
     ::kill(child, SIGKILL);
@@ -78,13 +81,14 @@ std::optional<int> outcomeOf(pid_t child)
     return std::nullopt;
 }
 
-/// How the process ends in which the file is used; nothing if that does not come to an end.
-std::optional<int> outcomeOfUse(const QString& file)
+/// Whether the file can be used, in a process of its own; nothing if that does not come to an end.
+std::optional<bool> outcomeOfUse(const QString& file)
 {
+    ::signal(SIGCHLD, SIG_DFL); // where it is ignored, nobody learns how a process has ended
     const auto program = ::getpid();
     const auto child = ::fork();
     if (child < 0)
-        return EXIT_SUCCESS; // it cannot be tried; the use itself will tell
+        return true; // it cannot be tried; the use itself will tell
     if (child == 0)
         tryOut(file, program);
     return outcomeOf(child);
@@ -107,7 +111,7 @@ std::optional<QString> damageOf(const QString& file)
     const auto outcome = outcomeOfUse(file);
     if (!outcome)
         return QStringLiteral("loading it does not come to an end");
-    if (outcome != EXIT_SUCCESS)
+    if (!*outcome)
         return QStringLiteral("it is damaged: loading it ends the program");
     return std::nullopt;
 }

@@ -10,8 +10,8 @@ class QIODevice;
 namespace tarn::console {
 
 /// Why the plug-in in `file` must not be loaded: it has been cut off, or it does not agree with the checksum in
-/// `file`.sha256; if there is none, loading it ends the process that does so, or does not come to an end in ten
-/// seconds. Nothing if it can be loaded.
+/// `file`.sha256; if there is none, loading it ends the process that does so, or does not come to an end in about
+/// ten seconds. Nothing if it can be loaded.
 [[nodiscard]] std::optional<QString> damageOf(const QString& file);
 
 /// Whether the library that `contents` holds ends before its table of sections, the last thing that a linker writes.

@@ -1,6 +1,7 @@
 #include <console/providercatalogue.h>
 
 #include <console/devicecall.h>
+#include <console/error.h>
 #include <console/pluginfile.h>
 
 #include <QCoreApplication>
@@ -23,6 +24,16 @@ QStringList searchFolders()
     if (qEnvironmentVariableIsSet(variable))
         return qEnvironmentVariable(variable).split(QDir::listSeparator(), Qt::SkipEmptyParts);
     return {QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/tarn-service/providers"))};
+}
+
+std::expected<ProviderCatalogue::Loaded, QString> asked(const QString& file, provider::IDeviceProvider& provider)
+{
+    try {
+        return ProviderCatalogue::Loaded{file, provider};
+    } catch (...) {
+        return std::unexpected{QStringLiteral("it fails when it is asked what it is: %1")
+                                   .arg(QString::fromStdString(caughtError().message()))};
+    }
 }
 
 } // namespace
@@ -81,9 +92,9 @@ std::expected<ProviderCatalogue::Loaded, QString> ProviderCatalogue::load(const 
     if (!provider)
         return std::unexpected{QStringLiteral("its root object is a %1, which is not a device provider")
                                    .arg(QLatin1StringView{root->metaObject()->className()})};
-    Loaded loaded{file, *provider};
-    if (find(loaded.name))
-        return std::unexpected{QStringLiteral("there is a provider named '%1' already").arg(loaded.name)};
+    auto loaded = asked(file, *provider);
+    if (loaded && find(loaded->name))
+        return std::unexpected{QStringLiteral("there is a provider named '%1' already").arg(loaded->name)};
     return loaded;
 }
 

@@ -5,10 +5,12 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 
 #include <gmock/gmock.h>
 
 #include <array>
+#include <csignal>
 #include <cstddef>
 #include <functional>
 #include <random>
@@ -39,6 +41,13 @@ protected:
         auto contents = whole;
         damage(contents);
         writeLocal(name, contents);
+    }
+
+    /// For a plug-in that is whole.
+    void writeChecksum(const QString& name)
+    {
+        writeLocal(name + QStringLiteral(".sha256"),
+                   QCryptographicHash::hash(whole, QCryptographicHash::Sha256).toHex() + "  " + name.toUtf8() + '\n');
     }
 
     /// A run to its end; the reasons for which files were refused, and the number of those that were not.
@@ -178,11 +187,47 @@ TEST_F(DamagedProviders, AFileWhoseLoadingDoesNotComeToAnEndIsRefused)
     EXPECT_EQ(reasonOf(files.first()), "loading it does not come to an end");
 }
 
+TEST_F(DamagedProviders, AFileWhoseLoadingEndsTheProgramWithoutAnErrorIsRefused)
+{
+    setVariable(QStringLiteral("AWKWARD_EXITS"), QStringLiteral("1"));
+    writeLocal(QStringLiteral("libending.so"), whole);
+    const auto files = refused();
+    EXPECT_EQ(loaded, 0);
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_EQ(reasonOf(files.first()), "it is damaged: loading it ends the program");
+}
+
+TEST_F(DamagedProviders, FilesAreTriedAlsoWhereTheEndsOfProcessesAreIgnored)
+{
+    writeLocal(QStringLiteral("libwhole.so"), whole);
+    const auto said = [this] {
+        QProcess process;
+        prepare(process, {QStringLiteral("providers")});
+        process.setChildProcessModifier([] { std::signal(SIGCHLD, SIG_IGN); });
+        process.start();
+        return finish(process).err.toStdString();
+    };
+    EXPECT_EQ(said(), "");
+    setVariable(QStringLiteral("AWKWARD_EXITS"), QStringLiteral("1"));
+    EXPECT_THAT(said(), HasSubstr("loading it ends the program"));
+}
+
+TEST_F(DamagedProviders, AProviderThatThrowsIsRefusedAndNoOther)
+{
+    setVariable(QStringLiteral("AWKWARD_THROWS"), QStringLiteral("1"));
+    writeLocal(QStringLiteral("libtried.so"), whole);
+    writeLocal(QStringLiteral("libtrusted.so"), whole);
+    writeChecksum(QStringLiteral("libtrusted.so"));
+    const auto files = refused();
+    ASSERT_EQ(files.size(), 2);
+    EXPECT_EQ(reasonOf(files.first()), "it is damaged: loading it ends the program");
+    EXPECT_EQ(reasonOf(files.last()), "it fails when it is asked what it is: nameless");
+}
+
 TEST_F(DamagedProviders, AFileThatAgreesWithItsChecksumIsNotTriedButLoadedInTime)
 {
     writeLocal(QStringLiteral("libstuck.so"), whole);
-    writeLocal(QStringLiteral("libstuck.so.sha256"),
-               QCryptographicHash::hash(whole, QCryptographicHash::Sha256).toHex() + "  libstuck.so\n");
+    writeChecksum(QStringLiteral("libstuck.so"));
     for (const auto* const call : {"name", "description"}) {
         setVariable(QStringLiteral("AWKWARD_STUCK"), QString::fromUtf8(call));
         const auto outcome = run(words("--timeout 300ms providers"));

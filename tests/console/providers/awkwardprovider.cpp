@@ -12,10 +12,12 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -218,11 +220,18 @@ class AwkwardProvider final : public QObject, public tarn::provider::IDeviceProv
 public:
     using OpenError = tarn::provider::OpenError;
 
-    AwkwardProvider() { awkward::stuckIn = qgetenv("AWKWARD_STUCK").toStdString(); }
+    AwkwardProvider()
+    {
+        awkward::stuckIn = qgetenv("AWKWARD_STUCK").toStdString();
+        if (qEnvironmentVariableIsSet("AWKWARD_EXITS"))
+            std::_Exit(EXIT_SUCCESS);
+    }
 
     QString name() const override
     {
         awkward::enter("name");
+        if (qEnvironmentVariableIsSet("AWKWARD_THROWS"))
+            throw std::runtime_error{"nameless"};
         return QStringLiteral("awkward");
     }
     QString description() const override
