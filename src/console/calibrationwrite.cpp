@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -70,9 +69,11 @@ WriteEnd CalibrationWrite::wait()
 {
     using Clock = std::chrono::steady_clock;
     // In parts, as a part in which the program is stopped counts no more than another. The first may be short.
-    const auto part = std::max<std::chrono::milliseconds>(m_instrument.limit() / 8, std::chrono::milliseconds{1});
+    const auto part = Clock::duration{m_instrument.limit()} / 8;
     std::unique_lock lock{m_state->mutex};
-    for (auto endOfPart = Clock::now() + part; !m_state->end;) {
+    for (auto endOfPart = Clock::now() + part;;) {
+        if (const auto& end = m_state->end)
+            return *end;
         if (m_state->silence > 8)
             return std::unexpected{WriteFailure{std::nullopt, m_state->hasStarted, true}};
         if (!std::exchange(m_state->mayBeAway, false))
@@ -84,7 +85,6 @@ WriteEnd CalibrationWrite::wait()
             endOfPart = Clock::now() + part;
         }
     }
-    return *m_state->end;
 }
 
 bool CalibrationWrite::isBack(std::unique_lock<std::mutex>& lock) const

@@ -111,15 +111,20 @@ void writeCalibration(const Change& change, const Instrument& instrument, const 
         std::optional<Registration<Control, typename Control::Observer>> registration;
         // Added in the moment of a return, it would hear nothing until the next one.
         instrument.undisturbed([&] { registration.emplace(*control, observer); });
-        whileThere<Control>(instrument, Control::registryKey, change.target, [&](Control& there) {
+        const auto requested = [&](Control& there) {
             write.requested();
             try {
                 request(there);
             } catch (...) {
                 throw changeBroken(change, caughtError().message());
             }
-        });
-        return write.wait();
+        };
+        whileThere<Control>(instrument, Control::registryKey, change.target, requested);
+        try {
+            return write.wait();
+        } catch (...) {
+            throw changeBroken(change, caughtError().message());
+        }
     });
     if (!end)
         throw writeFailed(change, end.error(), longRequest.last());

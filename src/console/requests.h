@@ -28,7 +28,7 @@ public:
     /// Makes a request. What it gives or throws, unless it fails after it was not answered in time: throws the `Error`
     /// that `tooLate` makes of that.
     template <class Request, class TooLate>
-    std::invoke_result_t<Request> inTime(Request request, TooLate tooLate) const
+    [[nodiscard]] std::invoke_result_t<Request> inTime(Request request, TooLate tooLate) const
     {
         try {
             auto outcome = request();
