@@ -61,8 +61,7 @@ struct Bench {
     Faults faults;
     Operations operations;
     std::vector<std::function<void()>> atPowerLoss; ///< of the modules
-    /// Opens and closes the registration of observers with the parts. On the instrument's thread, at offers and drops.
-    std::vector<std::function<void(bool isOpen)>> registrations;
+    std::vector<std::function<void()>> endRegistrations; ///< on the instrument's thread, at drops
     std::vector<std::function<void()>> atOffer; ///< as filled by the controls that are made: once they are announced
     Executor executor; ///< the last one, so that it has stopped before the others go
 };

@@ -83,8 +83,9 @@ private:
 
 MakeControl install(const std::shared_ptr<Bench>& bench, std::shared_ptr<Units> units)
 {
-    bench->registrations.emplace_back([units](bool isOpen) { units->observers.setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([units] { units->observers.close(); });
     return [bench, units = std::move(units)]() -> std::shared_ptr<ICalibrationController> {
+        units->observers.open();
         return std::make_shared<CalibrationController>(bench, units);
     };
 }

@@ -143,9 +143,10 @@ template <class Kind, class Control>
 [[nodiscard]] MakeControl installCalibration(const std::shared_ptr<Bench>& bench)
 {
     auto part = std::make_shared<CalibrationPart<Kind>>(*bench);
-    bench->registrations.emplace_back([part](bool isOpen) { part->observers.setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([part] { part->observers.endOffer(); });
     return [bench, part]() -> std::shared_ptr<typename Kind::Control> {
         bench->atOffer.emplace_back([part] { part->observers.beginOffer(); });
+        part->observers.open();
         return std::make_shared<Control>(bench, part);
     };
 }

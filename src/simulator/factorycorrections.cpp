@@ -84,12 +84,13 @@ private:
 MakeControl installFactoryCorrections(const std::shared_ptr<Bench>& bench)
 {
     auto corrections = std::make_shared<FactoryCorrections>(*bench);
-    bench->registrations.emplace_back([corrections](bool isOpen) { corrections->observers.setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([corrections] { corrections->observers.close(); });
     for (CalibrationSlot* const slot : std::initializer_list<CalibrationSlot*>{
              &bench->calibrations.systemTerms, &bench->calibrations.ifsw, &bench->calibrations.power})
         slot->changed.emplace_back([corrections] { corrections->tellChanges(); });
     return [bench, corrections]() -> std::shared_ptr<Control> {
         bench->atOffer.emplace_back([corrections] { corrections->tellChanges(); });
+        corrections->observers.open();
         return std::make_shared<FactoryCorrectionControl>(bench, corrections);
     };
 }

@@ -279,8 +279,9 @@ private:
 MakeControl installMemoryOperations(const std::shared_ptr<Bench>& bench)
 {
     auto device = std::make_shared<Device>(*bench);
-    bench->registrations.emplace_back([device](bool isOpen) { device->observers.setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([device] { device->observers.close(); });
     return [bench, device]() -> std::shared_ptr<Control> {
+        device->observers.open();
         return std::make_shared<MemoryOperationsControl>(bench, device);
     };
 }

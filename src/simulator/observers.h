@@ -44,14 +44,19 @@ public:
             waitForEnd(m_mutex);
     }
 
-    /// Whether there is registration from now on, as there is at first. Its end is that of every registration, and does
-    /// not wait.
-    void setOpen(bool isOpen)
+    /// There is registration from now on, as there is at first.
+    void open()
     {
         const utils::MutexLock lock{m_mutex};
-        m_isOpen = isOpen;
-        if (!isOpen)
-            m_observers.clear();
+        m_isOpen = true;
+    }
+
+    /// Ends every registration, and has no more until it is opened. Does not wait.
+    void close()
+    {
+        const utils::MutexLock lock{m_mutex};
+        m_isOpen = false;
+        m_observers.clear();
     }
 
     /// Calls `notification` on every observer in the order of registration. What one of them

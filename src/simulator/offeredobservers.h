@@ -17,6 +17,9 @@ public:
     void add(T* observer) { m_observers.add(observer); }
     void remove(T* observer) { m_observers.remove(observer); }
 
+    /// The control is made, to be offered: who wants to can register.
+    void open() { m_observers.open(); }
+
     /// The control is offered, and who wants to has registered.
     void beginOffer()
     {
@@ -24,11 +27,11 @@ public:
         deliver();
     }
 
-    /// Whether the control is going to be offered, and there is registration: or it is dropped.
-    void setOpen(bool isOpen)
+    /// The control is dropped: ends every registration.
+    void endOffer()
     {
         m_isOffered = false;
-        m_observers.setOpen(isOpen);
+        m_observers.close();
     }
 
     /// Tells it now, or when the control is offered again.

@@ -145,8 +145,9 @@ private:
 MakeControl installSerialNumber(const std::shared_ptr<Bench>& bench)
 {
     auto serialNumber = std::make_shared<SerialNumber>(*bench);
-    bench->registrations.emplace_back([serialNumber](bool isOpen) { serialNumber->observers.setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([serialNumber] { serialNumber->observers.close(); });
     return [bench, serialNumber]() -> std::shared_ptr<Control> {
+        serialNumber->observers.open();
         return std::make_shared<SerialNumberControl>(bench, serialNumber);
     };
 }

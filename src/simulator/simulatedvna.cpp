@@ -27,8 +27,8 @@ SimulatedVna::SimulatedVna(const Settings& settings)
 SimulatedVna::~SimulatedVna()
 {
     m_bench->faults.endHanging();
-    m_observers->setOpen(false);
-    m_bench->executor.run([this] { openRegistrations(false); });
+    m_observers->close();
+    m_bench->executor.run([this] { endRegistrations(); });
     m_bench->executor.stop();
 }
 
@@ -112,7 +112,7 @@ void SimulatedVna::dropNow()
     m_observers->notify(&Observer::onControlsAboutToBeReleased);
     m_isOffered = false;
     ++m_drops;
-    openRegistrations(false);
+    endRegistrations();
     setOffer({}, m_bench->usbIdentity.current().model);
 }
 
@@ -120,7 +120,6 @@ void SimulatedVna::offerNow()
 {
     if (m_isOffered)
         return;
-    openRegistrations(true);
     m_bench->usbIdentity.enumerate();
     const auto model = m_bench->usbIdentity.current().model;
     m_bench->calibrations.setLimits(calibrationLimits(m_bench->settings.profile, model));
@@ -154,11 +153,11 @@ void SimulatedVna::dropFor(Duration away)
 }
 
 /// Those of the observers of controls. On the instrument's thread.
-void SimulatedVna::openRegistrations(bool areOpen)
+void SimulatedVna::endRegistrations()
 {
     m_bench->atOffer.clear();
-    for (const auto& open : m_bench->registrations)
-        open(areOpen);
+    for (const auto& end : m_bench->endRegistrations)
+        end();
 }
 
 void SimulatedVna::setOffer(Offer offer, sdk::Model model)

@@ -84,7 +84,7 @@ private:
     void dropNow();
     void offerNow();
     void dropFor(Duration away);
-    void openRegistrations(bool areOpen);
+    void endRegistrations();
     void setOffer(Offer offer, sdk::Model model);
 
     const std::unique_ptr<Observers<Observer>> m_observers;

@@ -93,8 +93,9 @@ MakeControl installTemperature(const std::shared_ptr<Bench>& bench)
 {
     auto thermometers = std::make_shared<Thermometers>(bench);
     thermometers->measureFrom(bench->clock->now());
-    bench->registrations.emplace_back([thermometers](bool isOpen) { thermometers->observers().setOpen(isOpen); });
+    bench->endRegistrations.emplace_back([thermometers] { thermometers->observers().close(); });
     return [bench, thermometers]() -> std::shared_ptr<sdk::ITemperatureControl> {
+        thermometers->observers().open();
         return std::make_shared<TemperatureControl>(bench, thermometers);
     };
 }

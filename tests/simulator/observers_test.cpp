@@ -114,11 +114,11 @@ TEST_F(ObserversTest, NotifiesNobodyAndTakesNobodyWhileClosed)
     auto meanwhile = noting("meanwhile");
     auto after = noting("after");
     observers.add(&before);
-    observers.setOpen(false);
+    observers.close();
     observers.add(&meanwhile);
     notify();
     EXPECT_THAT(heard, IsEmpty());
-    observers.setOpen(true);
+    observers.open();
     observers.add(&after);
     notify();
     EXPECT_THAT(heard, ElementsAre("after"));
