@@ -3,6 +3,7 @@
 #include "ledger.h"
 #include "ticket.h"
 
+#include <sdk/itemperaturecontrol.h>
 #include <sdk/ivna.h>
 #include <utils/mutex.h>
 
@@ -18,7 +19,7 @@
 namespace tarn::soak {
 
 /// The device, which knows for whom it is asked for a control (the ticket of a thread, or else a notification of the
-/// lifecycle) and which of the controls that it has handed out are alive. Thread-safe.
+/// lifecycle or of the temperatures) and which of the controls that it has handed out are alive. Thread-safe.
 class CountedVna final : public sdk::IVna {
 public:
     CountedVna(std::shared_ptr<sdk::IVna> device, Ledger& ledger)
@@ -35,7 +36,7 @@ public:
         if (auto* const ticket = Ticket::current())
             ticket->onAsked(control);
         else if (!s_isNotifying)
-            ++m_strayAsks;
+            m_strayAsks += key == sdk::ITemperatureControl::key ? 0U : 1U; // or else of an adapter that is notified
         else if (isNeedless(key, control))
             m_ledger.note(Breach::Duplicated, "a notification asked for a control although the handle was alive");
         ++m_asks;
@@ -82,7 +83,7 @@ public:
     /// How often it was asked.
     [[nodiscard]] std::uint64_t asks() const { return m_asks; }
 
-    /// How often of that by nobody known, since the last call.
+    /// How often of that for nobody known, since the last call.
     std::uint64_t takeStrayAsks() { return m_strayAsks.exchange(0); }
 
 private:

@@ -14,12 +14,14 @@ using namespace tarn::soak;
 int soak(const Options& options)
 {
     Ledger ledger{options.seed};
-    const auto instrument = makeInstrument(ledger);
+    Watch watch{ledger, options.threads};
+    watch.goOn(watch.main(), "the beginning");
+    auto instrument = makeInstrument(ledger);
     {
         const auto exercises = makeExercises(*instrument, options.threads);
         instrument->simulated().drop();
         instrument->simulated().offer();
-        Workload workload{*instrument, exercises, options};
+        Workload workload{*instrument, exercises, options, watch};
 
         using Clock = std::chrono::steady_clock;
         const auto start = Clock::now();
@@ -34,8 +36,12 @@ int soak(const Options& options)
         instrument->simulated().offer();
         workload.run(1, until(10));
         compare(ledger, warm, footprint());
+        watch.goOn(watch.main(), "the end of the adapters");
         std::cerr << "soak: " << instrument->device->asks() << " times the device was asked for a control\n";
     }
+    watch.goOn(watch.main(), "the end of the instrument");
+    instrument.reset();
+    watch.rest(watch.main());
     std::cout << ledger.summary() << '\n';
     return ledger.isClean() ? EXIT_SUCCESS : EXIT_FAILURE;
 }

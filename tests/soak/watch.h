@@ -14,11 +14,18 @@ namespace tarn::soak {
 /// where.
 class Watch {
 public:
+    /// `threads` use the controls, and there are two more.
     Watch(Ledger& ledger, std::size_t threads)
         : m_ledger{ledger}
-        , m_threads(threads)
+        , m_threads(threads + 2)
     {
     }
+
+    /// The number of the thread that makes the instrument come and go.
+    [[nodiscard]] std::size_t coming() const { return m_threads.size() - 2; }
+
+    /// Of the one that begins everything and brings it to rest.
+    [[nodiscard]] std::size_t main() const { return m_threads.size() - 1; }
 
     /// The thread of this number goes on, with `what`, which must live on.
     void goOn(std::size_t thread, const char* what)

@@ -1,7 +1,6 @@
 #include "workload.h"
 
 #include <chrono>
-#include <iostream>
 #include <random>
 #include <string>
 #include <thread>
@@ -49,10 +48,10 @@ void Workload::run(unsigned phase, const std::function<bool()>& isEnough)
 {
     m_instrument.device->takeStrayAsks(); // those of the preparations
     for (const auto& exercise : m_exercises) {
-        m_watch.goOn(m_resting, exercise->name());
+        m_watch.goOn(m_watch.main(), exercise->name());
         exercise->begin();
     }
-    m_watch.rest(m_resting);
+    m_watch.rest(m_watch.main());
     m_isOver = false;
     {
         std::vector<std::jthread> threads;
@@ -80,35 +79,35 @@ void Workload::use(std::size_t thread, unsigned phase)
 void Workload::comeAndGo()
 {
     while (!m_isOver) {
-        m_watch.goOn(m_coming, "drop");
+        m_watch.goOn(m_watch.coming(), "drop");
         m_instrument.simulated().drop();
-        m_watch.goOn(m_coming, "offer");
+        m_watch.goOn(m_watch.coming(), "offer");
         m_instrument.simulated().offer();
     }
-    m_watch.rest(m_coming);
+    m_watch.rest(m_watch.coming());
 }
 
 /// Brings everything to rest, and looks at what is left.
 void Workload::rest()
 {
     auto& simulated = m_instrument.simulated();
-    m_watch.goOn(m_resting, "the last offer");
+    m_watch.goOn(m_watch.main(), "the last offer");
     simulated.offer();
     for (const auto& exercise : m_exercises) {
-        m_watch.goOn(m_resting, exercise->name());
+        m_watch.goOn(m_watch.main(), exercise->name());
         while (!exercise->isAtRest())
             std::this_thread::sleep_for(10ms);
     }
-    m_watch.goOn(m_resting, "the instrument's thread");
+    m_watch.goOn(m_watch.main(), "the instrument's thread");
     simulated.waitUntilIdle();
     for (const auto& exercise : m_exercises) {
-        m_watch.goOn(m_resting, exercise->name());
+        m_watch.goOn(m_watch.main(), exercise->name());
         exercise->end();
     }
-    m_watch.goOn(m_resting, "the last drop");
+    m_watch.goOn(m_watch.main(), "the last drop");
     simulated.drop();
     simulated.waitUntilIdle();
-    m_watch.rest(m_resting);
+    m_watch.rest(m_watch.main());
     check();
 }
 
@@ -119,7 +118,7 @@ void Workload::check()
     if (const auto live = device.liveControls())
         ledger.note(Breach::Leaked, std::to_string(live) + " controls that were dropped are alive", live);
     if (const auto asks = device.takeStrayAsks())
-        std::cerr << "soak: " << asks << " questions for a control belong to nobody known\n";
+        ledger.note(Breach::Duplicated, std::to_string(asks) + " questions for a control belong to nobody", asks);
     const std::uint64_t refusals = ledger.refusals;
     if (const auto told = m_instrument.simulated().busyRefusals(); refusals != told)
         ledger.note(refusals < told ? Breach::Lost : Breach::Duplicated,

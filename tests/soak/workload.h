@@ -13,11 +13,12 @@ namespace tarn::soak {
 /// The threads that use the controls of an instrument while it comes and goes as fast as it can.
 class Workload {
 public:
-    Workload(Instrument& instrument, const std::vector<std::unique_ptr<Exercise>>& exercises, const Options& options)
+    Workload(Instrument& instrument, const std::vector<std::unique_ptr<Exercise>>& exercises, const Options& options,
+             Watch& watch)
         : m_instrument{instrument}
         , m_exercises{exercises}
         , m_options{options}
-        , m_watch{instrument.ledger, options.threads + 2}
+        , m_watch{watch}
     {
     }
 
@@ -35,9 +36,7 @@ private:
     const std::vector<std::unique_ptr<Exercise>>& m_exercises;
     const Options& m_options;
     std::atomic<bool> m_isOver = false;
-    const std::size_t m_coming = m_options.threads; ///< the number of the thread that makes the instrument come and go
-    const std::size_t m_resting = m_coming + 1; ///< of the one that brings everything to rest
-    Watch m_watch;
+    Watch& m_watch;
 };
 
 } // namespace tarn::soak
