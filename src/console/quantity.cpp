@@ -8,7 +8,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <ranges>
 #include <span>
 #include <system_error>
@@ -56,7 +55,7 @@ std::optional<int> parseExponent(std::string_view text)
     text.remove_prefix(text.starts_with('+') ? 1 : 0);
     const auto exponent = parseNumber<int>(text);
     constexpr int largest = 9999; // far beyond any number, so that sums of two are no matter
-    return exponent && std::abs(*exponent) <= largest ? exponent : std::nullopt;
+    return exponent && -largest <= *exponent && *exponent <= largest ? exponent : std::nullopt;
 }
 
 /// The number that the whole of `text` spells, times ten to the power of `exponent`, rounded once.

@@ -60,10 +60,13 @@ TEST(Quantity, KnowsTheSymbolsOfUnits)
 
 TEST(Quantity, IsNothingElse)
 {
-    for (const auto* const text :
-         {"",       " ",          "MHz",  "nan",      "inf", "-inf", "nanHz", "1e400", "1e308 GHz",
-          "10 mhz", "10 MHZ",     "10 s", "10 MHz 5", "ten", "0x10", "10M",   "--5",   "1e99999999999 Hz",
-          "1e Hz",  "1e-99999 Hz"})
+    for (const auto* const text : {"",         " ",           "MHz",
+                                   "nan",      "inf",         "-inf",
+                                   "nanHz",    "1e400",       "1e308 GHz",
+                                   "10 mhz",   "10 MHZ",      "10 s",
+                                   "10 MHz 5", "ten",         "0x10",
+                                   "10M",      "--5",         "1e99999999999 Hz",
+                                   "1e Hz",    "1e-99999 Hz", "1e-2147483648 Hz"})
         EXPECT_FALSE(parseQuantity(text, Unit::Hertz)) << text;
 }
 
