@@ -176,12 +176,12 @@ TEST_F(CalibrationWriteTest, IsLostWithTheInstrument)
 TEST(CalibrationWriteOfARestlessInstrument, IsNotWaitedForWhileTheInstrumentOnlyDropsAndOffersItsControls)
 {
     using namespace std::chrono_literals;
-    using Control = devices::service::SdkLoLeakageControl; // any that is there
-    const auto device = std::make_shared<tests::FakeVna>();
+    const auto device = std::make_shared<tests::FakeVna>(); // with any control
     device->offer<sdk::service::ILoLeakageControl>(sdk::service::ILoLeakageControl::key,
                                                    std::make_shared<testing::NiceMock<tests::MockLoLeakageControl>>());
     const Instrument instrument{device, Output{{}, {}}, 80ms};
-    CalibrationWrite write{instrument, Control::registryKey, [](LongRequest::Progress) { }};
+    CalibrationWrite write{instrument, devices::service::SdkLoLeakageControl::registryKey,
+                           [](LongRequest::Progress) { }};
     write.requested();
     write.started();
     const auto end = std::chrono::steady_clock::now() + 20s; // instead of for ever

@@ -84,12 +84,12 @@ protected:
 TEST_F(Requests, ThatThrowFailWithWhatTheyThrow)
 {
     fail(false);
-    const auto reading = errorOf([this] { read(); });
-    EXPECT_EQ(reading.code(), ErrorCode::Failed);
-    EXPECT_EQ(reading.message(), "the line is noisy");
-    const auto writing = errorOf([this] { write(); });
-    EXPECT_EQ(writing.code(), ErrorCode::Failed);
-    EXPECT_THAT(writing.message(), HasSubstr("writing it failed: the line is noisy; whether the number was changed"));
+    const auto ofRead = errorOf([this] { read(); });
+    EXPECT_EQ(ofRead.code(), ErrorCode::Failed);
+    EXPECT_EQ(ofRead.message(), "the line is noisy");
+    const auto ofWrite = errorOf([this] { write(); });
+    EXPECT_EQ(ofWrite.code(), ErrorCode::Failed);
+    EXPECT_THAT(ofWrite.message(), HasSubstr("writing it failed: the line is noisy; whether the number was changed"));
 }
 
 TEST_F(Requests, AQuestionThatThrowsTooLateWasNotAnsweredInTime)
