@@ -45,11 +45,13 @@ else() # the sanitizers bring their own checks and leave symbols to be resolved 
     endif()
 endif()
 
+# Whatever runs adds to one file per library or program.
+set(TARN_PROFILE_NAME "${PROJECT_BINARY_DIR}/profiles/%m.profraw")
+
 # tarn_measure_coverage(): what the folder and those below it compile counts where it has been, for scripts/coverage.
 function(tarn_measure_coverage)
     if(TARN_COVERAGE)
-        # Whatever runs adds to one file per library or program.
-        set(count "-fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m.profraw")
+        set(count "-fprofile-instr-generate=${TARN_PROFILE_NAME}")
         add_compile_options(${count} -fcoverage-mapping -fcoverage-mcdc)
         add_link_options(${count})
     endif()
