@@ -45,13 +45,11 @@ else() # the sanitizers bring their own checks and leave symbols to be resolved 
     endif()
 endif()
 
-# Whatever runs adds to one file per library or program.
-set(TARN_PROFILE_NAME "${PROJECT_BINARY_DIR}/profiles/%m.profraw")
-
 # tarn_measure_coverage(): what the folder and those below it compile counts where it has been, for scripts/coverage.
 function(tarn_measure_coverage)
     if(TARN_COVERAGE)
-        set(count "-fprofile-instr-generate=${TARN_PROFILE_NAME}")
+        # Nothing is written unless LLVM_PROFILE_FILE says where.
+        set(count -fprofile-instr-generate=/dev/null)
         add_compile_options(${count} -fcoverage-mapping -fcoverage-mcdc)
         add_link_options(${count})
     endif()
