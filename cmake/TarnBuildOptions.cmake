@@ -2,7 +2,7 @@
 # `tarn_build_options`. The presets choose among the options below.
 
 option(TARN_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
-option(TARN_COVERAGE "Instrument src/devices and its tests for source-based coverage (Clang)" OFF)
+option(TARN_COVERAGE "Instrument for source-based coverage (Clang)" OFF)
 set(TARN_SANITIZERS "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
 add_library(tarn_build_options INTERFACE)
@@ -45,12 +45,7 @@ else() # the sanitizers bring their own checks and leave symbols to be resolved 
     endif()
 endif()
 
-# tarn_measure_coverage(): what the folder and those below it compile counts where it has been, for scripts/coverage.
-function(tarn_measure_coverage)
-    if(TARN_COVERAGE)
-        # Nothing is written unless LLVM_PROFILE_FILE says where.
-        set(count -fprofile-instr-generate=/dev/null)
-        add_compile_options(${count} -fcoverage-mapping -fcoverage-mcdc)
-        add_link_options(${count})
-    endif()
-endfunction()
+if(TARN_COVERAGE)
+    target_compile_options(tarn_build_options INTERFACE -fprofile-instr-generate -fcoverage-mapping -fcoverage-mcdc)
+    target_link_options(tarn_build_options INTERFACE -fprofile-instr-generate)
+endif()
