@@ -17,19 +17,19 @@ constexpr auto rowsOf(ControlCommands<Commands...>)
                                  &Commands::addTo, &Commands::tour}...};
 }
 
-constexpr auto rows = rowsOf(AllControls{});
+constexpr auto controlTable = rowsOf(AllControls{});
 
 } // namespace
 
 std::span<const ControlRow> controlRows()
 {
-    return rows;
+    return controlTable;
 }
 
 const ControlRow* findControlRow(std::uint64_t registryKey)
 {
-    const auto* const row = std::ranges::find(rows, registryKey, &ControlRow::registryKey);
-    return row == rows.end() ? nullptr : row;
+    const auto* const row = std::ranges::find(controlTable, registryKey, &ControlRow::registryKey);
+    return row == controlTable.end() ? nullptr : row;
 }
 
 std::string controlName(std::uint64_t registryKey)

@@ -15,7 +15,7 @@ using Ratio = Control::IfswRatio;
 using Linearity = Control::IfswLinearity;
 using Receiver = Control::ReceiverCalibration;
 
-constexpr std::string_view format = "tarn-ifsw-calibration/1";
+constexpr std::string_view formatName = "tarn-ifsw-calibration/1";
 
 template <class Record>
 struct Member {
@@ -69,7 +69,7 @@ std::string recordsText(const std::vector<Record>& records, const std::array<Mem
 
 IfswData readIfswFile(const SourceFile& file, const QByteArray& bytes)
 {
-    const auto root = JsonNode::parse(file, bytes, format);
+    const auto root = JsonNode::parse(file, bytes, formatName);
     root.expectMembers({"format", "frequencies", "reference", "reflection", "transmission"});
     IfswData data;
     data.frequencies = root["frequencies"].ascendingFrequencies();
@@ -84,8 +84,8 @@ IfswData readIfswFile(const SourceFile& file, const QByteArray& bytes)
 
 std::string ifswFileText(const IfswData& data)
 {
-    auto text
-        = fmt::format("{{\n  \"format\": \"{}\",\n  \"frequencies\": [{}]", format, fmt::join(data.frequencies, ", "));
+    auto text = fmt::format("{{\n  \"format\": \"{}\",\n  \"frequencies\": [{}]", formatName,
+                            fmt::join(data.frequencies, ", "));
     for (const auto& [name, receiver] : receivers)
         text += fmt::format(",\n  \"{}\": {{\n    \"ratios\": {},\n    \"linearities\": {}\n  }}", name,
                             recordsText((data.*receiver).ratios, ratioMembers),

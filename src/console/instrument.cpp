@@ -15,7 +15,7 @@ namespace tarn::console {
 namespace {
 
 /// How long a command waits for controls that were dropped.
-constexpr std::chrono::seconds patience{2};
+constexpr std::chrono::seconds longestAbsence{2};
 
 devices::ControlRegistry makeRegistry()
 {
@@ -46,7 +46,7 @@ bool Instrument::isThere(std::uint64_t registryKey) const
 bool Instrument::isBack(std::uint64_t registryKey) const
 {
     using Clock = std::chrono::steady_clock;
-    const auto end = Clock::now() + patience;
+    const auto end = Clock::now() + longestAbsence;
     for (;;) {
         const auto counts = m_lifecycle.waitUntilBack(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()));
         if (!counts || isThere(registryKey))
@@ -59,7 +59,7 @@ bool Instrument::isBack(std::uint64_t registryKey) const
 bool Instrument::isCreated(std::uint64_t registryKey) const
 {
     using namespace std::chrono_literals;
-    for (auto left = patience / 1ms; left > 0 && !isOffered(registryKey); --left)
+    for (auto left = longestAbsence / 1ms; left > 0 && !isOffered(registryKey); --left)
         std::this_thread::sleep_for(1ms);
     return isOffered(registryKey);
 }

@@ -8,7 +8,7 @@ namespace tarn::console {
 
 namespace {
 
-constexpr std::array<std::string_view, 9> columns{
+constexpr std::array<std::string_view, 9> powerColumns{
     "frequency_hz",          "nominal_power_dbm",   "measured_power_dbm",      "source_amplifier",  "source_attenuator",
     "source_attenuation_db", "receiver_attenuator", "receiver_attenuation_db", "receiver_power_dbm"};
 
@@ -35,7 +35,7 @@ constexpr std::string_view onOff(bool on)
 std::vector<PowerPoint> readPowerFile(const SourceFile& file, const QByteArray& bytes)
 {
     std::vector<PowerPoint> points;
-    for (const auto& row : readCsv(file, bytes, columns)) {
+    for (const auto& row : readCsv(file, bytes, powerColumns)) {
         const auto& next = points.emplace_back(point(row));
         if (next.frequency < 0)
             throw row[0].bad("a frequency in hertz, not below 0");
@@ -49,7 +49,7 @@ std::vector<PowerPoint> readPowerFile(const SourceFile& file, const QByteArray& 
 std::string powerFileText(std::span<const PowerPoint> points)
 {
     auto text = fmt::format("# Factory power calibration: one row for each frequency and level\n{}\n",
-                            fmt::join(columns, ","));
+                            fmt::join(powerColumns, ","));
     for (const auto& p : points)
         text += fmt::format("{},{},{},{},{},{},{},{},{}\n", p.frequency, p.nominalPower, p.measuredPower,
                             onOff(p.isSourceAmplifierOn), onOff(p.isSourceAttenuatorOn), p.sourceAttenuation,

@@ -8,6 +8,7 @@
 #include <simulator/simulatedvna.h>
 #include <simulator/storage.h>
 #include <simulator/usbidentity.h>
+#include <support/success.h>
 #include <support/watchdog.h>
 
 #include <algorithm>
@@ -30,7 +31,7 @@ using simulator::FaultPlan;
 using simulator::Misbehaviour;
 using simulator::SimulatedVna;
 
-const std::error_code success;
+using tests::success;
 
 /// Keeps what a request ended with, however often it does.
 class Ends {

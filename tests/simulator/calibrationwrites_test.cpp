@@ -1,6 +1,7 @@
 #include <simulator/calibrationfixture.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 
@@ -16,7 +17,7 @@ using test::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 
 template <class Control>
 class CalibrationWriteTest : public testing::Test { };

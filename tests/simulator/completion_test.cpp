@@ -1,4 +1,5 @@
 #include <simulator/watchedinstrument.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ using test::withFaults;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 
 TEST(CompletionTest, ComesOnTheInstrumentsThread)
 {

@@ -1,6 +1,7 @@
 #include <simulator/watchedinstrument.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ using test::withFaults;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 
 class DropTest : public testing::TestWithParam<CompletionMode> { };
 

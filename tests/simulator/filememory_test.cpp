@@ -2,6 +2,7 @@
 
 #include <simulator/error.h>
 #include <simulator/manualinstrument.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using FileInfo = FileStore::FileInfo;
 
-const std::error_code success;
+using tests::success;
 
 TEST(FileStoreTest, StartsEmpty)
 {

@@ -1,6 +1,8 @@
 #include <simulator/manualinstrument.h>
+#include <simulator/watchedinstrument.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +16,7 @@ namespace tarn::simulator {
 namespace {
 
 using namespace std::chrono_literals;
+using test::dropEvery;
 using test::Image;
 using test::Journal;
 using test::LifecycleObserver;
@@ -24,7 +27,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 constexpr std::uint32_t size = 1U << 20U;
 
 /// A memory in which an image lies, and observers that write a journal.
@@ -77,13 +80,6 @@ FaultPlan unplug(Duration away)
     FaultPlan plan;
     plan.unplugEvery = 1;
     plan.dropFor = away;
-    return plan;
-}
-
-FaultPlan dropEvery(std::uint64_t every)
-{
-    FaultPlan plan;
-    plan.dropEvery = every;
     return plan;
 }
 

@@ -2,6 +2,7 @@
 
 #include <simulator/error.h>
 #include <simulator/flashmemory.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using test::MemoryObserver;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 constexpr std::uint32_t size = 1U << 20U;
 
 Settings prompt(CompletionMode mode = CompletionMode::Thread)

@@ -1,6 +1,7 @@
 #include <simulator/manualinstrument.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@ namespace {
 
 using test::ManualInstrument;
 
-const std::error_code success;
+using tests::success;
 constexpr unsigned long sourceOffset = 2; // -128 to 127
 
 class PotentiometersTest : public testing::TestWithParam<CompletionMode> {

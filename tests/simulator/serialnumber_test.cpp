@@ -1,6 +1,7 @@
 #include <simulator/manualinstrument.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ using test::ManualInstrument;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 
 struct ProgressObserver final : test::SerialNumber::Observer {
     explicit ProgressObserver(Journal& theJournal)

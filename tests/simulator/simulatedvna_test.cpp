@@ -2,6 +2,7 @@
 
 #include <sdk/models.h>
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ using test::withFaults;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::error_code success;
+using tests::success;
 
 TEST(ProfileTest, OffersEverythingByDefaultAndNothingWhenBare)
 {

@@ -2,6 +2,7 @@
 
 #include <simulator/error.h>
 #include <simulator/platform.h>
+#include <support/success.h>
 
 #include <QCryptographicHash>
 #include <QJsonDocument>
@@ -16,7 +17,7 @@ using test::Bytes;
 using test::StateTest;
 using testing::HasSubstr;
 
-const std::error_code success;
+using tests::success;
 
 TEST_F(StateTest, LastsFromOneOpeningToTheNext)
 {

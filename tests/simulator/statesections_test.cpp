@@ -1,6 +1,7 @@
 #include <simulator/statetest.h>
 
 #include <simulator/error.h>
+#include <support/success.h>
 
 namespace tarn::simulator {
 namespace {
@@ -10,7 +11,7 @@ using test::Journal;
 using test::StateTest;
 using testing::HasSubstr;
 
-const std::error_code success;
+using tests::success;
 
 TEST_F(StateTest, KeepsTheMemoryThePotentiometersTheSerialNumberAndTheUsbIdentity)
 {

@@ -2,6 +2,7 @@
 
 #include <sdk/models.h>
 #include <simulator/error.h>
+#include <support/success.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 namespace models = sdk::models;
 
-const std::error_code success;
+using tests::success;
 
 Settings settingsOf(Profile profile, CompletionMode mode = CompletionMode::Thread)
 {
