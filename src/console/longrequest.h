@@ -70,7 +70,11 @@ public:
     ~Registration()
     {
         const DeviceCall call;
-        m_control.removeObserver(handle());
+        try {
+            m_control.removeObserver(handle());
+        } catch (...) { // NOLINT(bugprone-empty-catch)
+            // The device throws when it is asked for the control. The request, if it was still under way, tells of it.
+        }
     }
 
 private:

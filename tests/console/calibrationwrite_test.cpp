@@ -1,14 +1,20 @@
 #include <console/calibrationwrite.h>
 
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkvellifswcalibrationcontrol.h>
 #include <sdk/service/iloleakagecontrol.h>
+#include <sdk/service/ivellifswcalibrationcontrol.h>
 #include <support/fakevna.h>
 #include <support/mockloleakagecontrol.h>
+#include <support/mockvellifswcalibrationcontrol.h>
+
+#include <QCoreApplication>
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 namespace tarn::console {
@@ -171,6 +177,47 @@ TEST_F(CalibrationWriteTest, IsLostWithTheInstrument)
     write.started();
     device->dropAndOfferAgain();
     EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, true})});
+}
+
+TEST(CalibrationWriteInAShortTime, IsWaitedForAsLongAsItMayTake)
+{
+    constexpr std::chrono::milliseconds limit{15}; // of which an eighth is no whole number
+    const Instrument instrument{std::make_shared<EmptyVna>(), Output{{}, {}}, limit};
+    CalibrationWrite write{instrument, 0x1234, [](LongRequest::Progress) { }};
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{})}) << "nothing is offered";
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(write.wait(), WriteEnd{std::unexpected(WriteFailure{std::nullopt, false, true})});
+    EXPECT_GE(std::chrono::steady_clock::now() - start, limit);
+}
+
+TEST(CalibrationWriteOfARestlessInstrument, SaysWhatIsKnownWhenTheInstrumentThrowsInsteadOfComingBack)
+{
+    using Ifsw = devices::service::SdkVellIfswCalibrationControl;
+    using Sdk = sdk::service::IVellIfswCalibrationControl;
+    struct Observer final : WriteObserver<Ifsw> {
+        using WriteObserver::WriteObserver;
+        void onError(Ifsw::Error /*error*/) override { }
+    };
+    int arguments = 0;
+    const QCoreApplication application{arguments, nullptr};
+    const auto device = std::make_shared<tests::FakeVna>();
+    device->offer<Sdk>(Sdk::key, std::make_shared<testing::NiceMock<tests::MockVellIfswCalibrationControl>>());
+    const Output output{{}, {}};
+    const Instrument instrument{device, output, std::chrono::seconds{30}};
+    const auto write = [&] {
+        writeCalibration<Observer, Ifsw>({"writing it", "the data", "it may be left", "look"}, instrument, output,
+                                         [&](Ifsw&) {
+                                             device->whenAsked([](sdk::Key) { throw std::runtime_error{"noise"}; });
+                                             device->drop(Sdk::key);
+                                         });
+    };
+    try {
+        write();
+        FAIL() << "did not throw";
+    } catch (const Error& error) {
+        EXPECT_EQ(error.code(), ErrorCode::Failed);
+        EXPECT_EQ(error.message(), "writing it failed: noise; whether the data was changed is not known");
+    }
 }
 
 TEST(CalibrationWriteOfARestlessInstrument, IsNotWaitedForWhileTheInstrumentOnlyDropsAndOffersItsControls)
