@@ -65,6 +65,17 @@ protected:
         return file.toObject().value(QStringLiteral("reason")).toString().toStdString();
     }
 
+    /// Why a whole plug-in is refused that the variable makes misbehave.
+    std::string refusalOf(const QString& variable, const QString& value)
+    {
+        setVariable(variable, value);
+        writeLocal(QStringLiteral("libawkward.so"), whole);
+        const auto files = refused();
+        EXPECT_EQ(loaded, 0);
+        EXPECT_EQ(files.size(), 1);
+        return reasonOf(files.first());
+    }
+
     QByteArray whole;
     qsizetype loaded = 0;
 };
@@ -179,22 +190,13 @@ TEST_F(DamagedProviders, AFileThatDoesNotAgreeWithItsChecksumIsRefusedWhicheverB
 
 TEST_F(DamagedProviders, AFileWhoseLoadingDoesNotComeToAnEndIsRefused)
 {
-    setVariable(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name"));
-    writeLocal(QStringLiteral("libstuck.so"), whole);
-    const auto files = refused();
-    EXPECT_EQ(loaded, 0);
-    ASSERT_EQ(files.size(), 1);
-    EXPECT_EQ(reasonOf(files.first()), "loading it does not come to an end");
+    EXPECT_EQ(refusalOf(QStringLiteral("AWKWARD_STUCK"), QStringLiteral("name")), "loading it does not come to an end");
 }
 
 TEST_F(DamagedProviders, AFileWhoseLoadingEndsTheProgramWithoutAnErrorIsRefused)
 {
-    setVariable(QStringLiteral("AWKWARD_EXITS"), QStringLiteral("1"));
-    writeLocal(QStringLiteral("libending.so"), whole);
-    const auto files = refused();
-    EXPECT_EQ(loaded, 0);
-    ASSERT_EQ(files.size(), 1);
-    EXPECT_EQ(reasonOf(files.first()), "it is damaged: loading it ends the program");
+    EXPECT_EQ(refusalOf(QStringLiteral("AWKWARD_EXITS"), QStringLiteral("1")),
+              "it is damaged: loading it ends the program");
 }
 
 TEST_F(DamagedProviders, FilesAreTriedAlsoWhereTheEndsOfProcessesAreIgnored)

@@ -6,6 +6,7 @@
 #include <support/mockmemoryserialnumbercontrol.h>
 #include <support/mockmemoryusbidcontrol.h>
 #include <support/mockpotentiometerscontrol.h>
+#include <support/success.h>
 
 namespace tarn::guard {
 
@@ -30,7 +31,7 @@ struct Outcome {
     friend bool operator==(const Outcome&, const Outcome&) = default;
 };
 
-const std::error_code success;
+using tests::success;
 const std::error_code failure = std::make_error_code(std::errc::io_error);
 
 /// How long a request may take in these tests: long enough for a thread that has to wait for its turn.
@@ -381,6 +382,16 @@ TEST_F(GuardedSerialNumber, HearsTheProgressOfAWriteThatOutlastsADrop)
     });
     EXPECT_EQ(code([](IMemorySerialNumberControl& control, auto done) { control.writeSerialNumber(1, done); }),
               success);
+}
+
+TEST_F(GuardedSerialNumber, IsObservedAlthoughTheDeviceThrowsWhenItIsAskedForAnother)
+{
+    device->whenAsked([](sdk::Key key) {
+        if (key == IMemoryOperationsControl::key)
+            throw std::runtime_error{"device"};
+    });
+    EXPECT_CALL(*mock, addObserver);
+    device->announceAvailable();
 }
 
 TEST_F(GuardedSerialNumber, DoesNotObserveWhatWasDropped)

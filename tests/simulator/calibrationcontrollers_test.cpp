@@ -166,6 +166,23 @@ TEST_F(CalibrationControllerTest, KeepsItsUnitsFromOfferToOfferAndEndsTheRegistr
     EXPECT_THAT(journal.take(), IsEmpty());
 }
 
+TEST(CalibrationControllerProfileTest, TakesNoRegistrationWithAControllerThatTheModelDoesNotHaveAnyMore)
+{
+    Settings settings;
+    settings.profile = Profile::Vell;
+    ManualInstrument instrument{settings};
+    Journal journal;
+    UnitObserver observer{journal};
+    const auto held = instrument.vna->control<Calibration>(Calibration::secondKey);
+    const auto power = instrument.control<test::Power>();
+    become(instrument, sdk::models::marl::marl301);
+    ASSERT_EQ(instrument.vna->control<Calibration>(Calibration::secondKey), nullptr);
+    held->addObserver(&observer);
+    Kind<test::Power>::write(*power);
+    instrument.advance(10s);
+    EXPECT_THAT(journal.take(), IsEmpty());
+}
+
 TEST_F(CalibrationControllerTest, FindsTermsInvalidThatDoNotFitTheModelAnyMore)
 {
     writeTerms();

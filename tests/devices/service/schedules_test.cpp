@@ -26,6 +26,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -76,12 +77,19 @@ struct Request {
 };
 using Pending = std::deque<Request>;
 
-/// A request that ends on the device's thread.
-void endLater(Pending& pending, const std::function<void()>& inside, const sdk::Completion<>& completion)
+/// A request, `call`, that ends on the device's thread. `whenCalled` gives a mock what it does when it is asked for it.
+template <class Adapter, class Mock, class Call, class WhenCalled>
+Operation<Adapter, Mock> endingLater(const char* name, Pending& pending, Call call, WhenCalled whenCalled)
 {
-    inside();
-    pending.push_back({[completion] { completion({}); }, done.control});
-    inside();
+    return {name, [call](Adapter& adapter) { return call(adapter) ? Outcome::Answered : Outcome::Unavailable; },
+            [&pending, whenCalled](Mock& mock, const std::function<void()>& inside) {
+                whenCalled(mock, [&pending, inside](const auto&... arguments) {
+                    const sdk::Completion<> completion = std::get<sizeof...(arguments) - 1>(std::tie(arguments...));
+                    inside();
+                    pending.push_back({[completion] { completion({}); }, done.control});
+                    inside();
+                });
+            }};
 }
 
 /// Getters and setters of one adapter.
@@ -133,13 +141,9 @@ struct Files {
                          inside();
                      });
                  }},
-                {"deleteFile",
-                 [](Adapter& adapter) { return adapter.deleteFile({}) ? Outcome::Answered : Outcome::Unavailable; },
-                 [&pending](Mock& mock, const std::function<void()>& inside) {
-                     ON_CALL(mock, deleteFile).WillByDefault([inside, &pending](const auto& /*file*/, auto completion) {
-                         endLater(pending, inside, completion);
-                     });
-                 }}};
+                endingLater<Adapter, Mock>(
+                    "deleteFile", pending, [](Adapter& adapter) { return adapter.deleteFile({}); },
+                    [](Mock& mock, const auto& action) { ON_CALL(mock, deleteFile).WillByDefault(action); })};
     }
 };
 
@@ -150,13 +154,9 @@ struct Potentiometers {
 
     static std::vector<Operation<Adapter, Mock>> operations(Pending& pending)
     {
-        return {{"writeToRam",
-                 [](Adapter& adapter) { return adapter.writeToRam(0, 1) ? Outcome::Answered : Outcome::Unavailable; },
-                 [&pending](Mock& mock, const std::function<void()>& inside) {
-                     ON_CALL(mock, writeToRam).WillByDefault([inside, &pending](auto, auto, auto completion) {
-                         endLater(pending, inside, completion);
-                     });
-                 }}};
+        return {endingLater<Adapter, Mock>(
+            "writeToRam", pending, [](Adapter& adapter) { return adapter.writeToRam(0, 1); },
+            [](Mock& mock, const auto& action) { ON_CALL(mock, writeToRam).WillByDefault(action); })};
     }
 };
 
@@ -167,13 +167,9 @@ struct UsbId {
 
     static std::vector<Operation<Adapter, Mock>> operations(Pending& pending)
     {
-        return {{"writeUsbId",
-                 [](Adapter& adapter) { return adapter.writeUsbId({}) ? Outcome::Answered : Outcome::Unavailable; },
-                 [&pending](Mock& mock, const std::function<void()>& inside) {
-                     ON_CALL(mock, writeUsbId).WillByDefault([inside, &pending](const auto&, auto completion) {
-                         endLater(pending, inside, completion);
-                     });
-                 }}};
+        return {endingLater<Adapter, Mock>(
+            "writeUsbId", pending, [](Adapter& adapter) { return adapter.writeUsbId({}); },
+            [](Mock& mock, const auto& action) { ON_CALL(mock, writeUsbId).WillByDefault(action); })};
     }
 };
 
