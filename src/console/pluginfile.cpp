@@ -29,7 +29,7 @@ using namespace std::chrono_literals;
 /// Much longer than any plug-in takes to load, on a busy computer too.
 constexpr auto longestTrial = 10s;
 
-/// How a process ends that has used a plug-in: none that the plug-in has ended does so by chance.
+/// How the process ends that has used a plug-in; one that the plug-in ends has another status.
 constexpr int trialPassed = 113;
 
 /// The first line of the checksum that lies next to a file; nothing if there is none.
