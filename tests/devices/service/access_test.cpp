@@ -8,7 +8,7 @@
 #include <string>
 #include <type_traits>
 
-namespace tarn::tests {
+namespace tarn::tests::access {
 namespace {
 
 using devices::service::ifAvailable;
@@ -114,4 +114,4 @@ TEST_F(AccessTest, BothHoldTheControlForTheLengthOfTheCallAlone)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::access

@@ -16,7 +16,7 @@
 #include <system_error>
 #include <tuple>
 
-namespace tarn::tests {
+namespace tarn::tests::adapterlocks {
 namespace {
 
 using devices::service::SdkFileMemoryControl;
@@ -142,4 +142,4 @@ TEST(TemperatureDestruction, SurvivesAMutexThatFails)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::adapterlocks

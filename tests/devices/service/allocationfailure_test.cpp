@@ -39,7 +39,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::allocationfailure {
 namespace {
 
 /// An allocation that is to fail, alone or with all that follow.
@@ -286,4 +286,4 @@ TEST(AllocationFailure, OfAConversionIsReported)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::allocationfailure

@@ -38,7 +38,7 @@ using testing::NiceMock;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::badinput {
 namespace {
 
 using namespace devices::service;
@@ -289,4 +289,4 @@ TEST(BadInput, NoObserverIsRemovedFromNowhere)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::badinput

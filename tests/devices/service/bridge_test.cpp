@@ -20,7 +20,7 @@
 #include <tuple>
 #include <type_traits>
 
-namespace tarn::tests {
+namespace tarn::tests::bridge {
 namespace {
 
 using devices::service::awaitOrError;
@@ -289,4 +289,4 @@ TEST_F(Bridge, CallsTheRequestExactlyOnce)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::bridge

@@ -37,7 +37,7 @@ using testing::NotNull;
 using testing::SaveArg;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::calibrationcontroller {
 namespace {
 
 using Sdk = sdk::service::calibrations::ICalibrationController;
@@ -375,4 +375,4 @@ TEST_F(CalibrationWatcher, FollowsItsHandleOnItsOwnThread)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::calibrationcontroller

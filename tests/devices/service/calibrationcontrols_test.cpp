@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::calibrationcontrols {
 namespace {
 
 template <class Calibration>
@@ -49,4 +49,4 @@ TYPED_TEST(CalibrationControl, DiscardsTheDataWhileThereIsNoControl)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::calibrationcontrols

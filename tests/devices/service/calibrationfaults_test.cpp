@@ -7,7 +7,7 @@
 
 #include <new>
 
-namespace tarn::tests {
+namespace tarn::tests::calibrationfaults {
 namespace {
 
 template <class Calibration>
@@ -51,4 +51,4 @@ TYPED_TEST(CalibrationFaults, ALifecycleNotificationWithoutMemoryChangesNoRegist
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::calibrationfaults

@@ -17,7 +17,7 @@
 #include <tuple>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::calibrationlocks {
 namespace {
 
 using devices::FactoryCorrection;
@@ -191,4 +191,4 @@ TYPED_TEST(CalibrationLocks, AMutexThatFailsIsReported)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::calibrationlocks

@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::calibrationmemory {
 namespace {
 
 using testing::ElementsAre;
@@ -80,4 +80,4 @@ TEST(CalibrationMemory, TheTermsOfAWriteForAPlanAreConvertedAndNotCopied)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::calibrationmemory

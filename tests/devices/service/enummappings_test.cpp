@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <utility>
 
-namespace tarn::tests {
+namespace tarn::tests::enummappings {
 namespace {
 
 using devices::service::ISystemTermsControl;
@@ -79,4 +79,4 @@ TEST(EnumMappings, UnchangedKeepsEveryNumber)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::enummappings

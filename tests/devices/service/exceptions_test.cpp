@@ -15,7 +15,7 @@
 
 #include <any>
 
-namespace tarn::tests {
+namespace tarn::tests::exceptions {
 namespace {
 
 /// Throws `exception` in its `nth` call, from 1.
@@ -101,4 +101,4 @@ TEST(Exceptions, OfEveryCallOfACreationReachTheHostUnchangedAndLeaveNothing)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::exceptions

@@ -13,7 +13,7 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::frequencyplanconversion {
 namespace {
 
 using devices::service::fromSdkFrequencyPlan;
@@ -80,4 +80,4 @@ TEST(FrequencyPlanConversion, KeepsEveryBitOfAnyPlan)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::frequencyplanconversion

@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::hostorder {
 namespace {
 
 using devices::ControlRegistry;
@@ -130,4 +130,4 @@ TEST(HostOrder, AnyOrderIsSafeThatLeavesAWatcherItsHandle)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::hostorder

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::imagecopies {
 namespace {
 
 using devices::service::SdkMemoryOperationsControl;
@@ -72,4 +72,4 @@ TEST_F(ImageCopies, AReadMovesTheImageAndCopiesNothing)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::imagecopies

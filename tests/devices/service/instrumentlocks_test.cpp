@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace tarn::tests {
+namespace tarn::tests::instrumentlocks {
 namespace {
 
 using devices::ControlRegistry;
@@ -100,4 +100,4 @@ TEST_F(InstrumentLocks, AnUndisturbedOperationRunsUnderTheLifecycleMutexAlone)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::instrumentlocks

@@ -15,7 +15,7 @@
 #include <system_error>
 #include <tuple>
 
-namespace tarn::tests {
+namespace tarn::tests::memorylocks {
 namespace {
 
 using devices::service::IMemoryOperationsControl;
@@ -110,4 +110,4 @@ TEST(MemoryLocks, AMutexThatFailsDoesNotStopADestruction)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::memorylocks

@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::observersequences {
 namespace {
 
 /// What happens to an observer: calls of the SDK with its adapter, and what it is told on a return.
@@ -267,4 +267,4 @@ TYPED_TEST(WriteObserverThreads, AnObserverCanGoAsSoonAsItWasRemovedWhateverTheD
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::observersequences

@@ -4,7 +4,7 @@
 
 #include <type_traits>
 
-namespace tarn::tests {
+namespace tarn::tests::progress {
 namespace {
 
 using devices::service::fromSdkProgress;
@@ -23,4 +23,4 @@ TEST(Progress, CarriesTheSecondArgumentOfTheNotificationFirst)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::progress

@@ -30,7 +30,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::schedules {
 namespace {
 
 /// Who came to his points in which order.
@@ -357,4 +357,4 @@ TYPED_TEST(CallSchedules, KeepTheRulesOfTheHandle)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::schedules

@@ -5,7 +5,7 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkdornpowercontrol {
 namespace {
 
 using Sdk = DornPower::Sdk;
@@ -54,4 +54,4 @@ TEST(DornPowerInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkdornpowercontrol

@@ -1,6 +1,6 @@
 #include "dorntuning.h"
 
-namespace tarn::tests {
+namespace tarn::tests::sdkdornsynthesiscontrol {
 namespace {
 
 using Sdk = DornSynthesis::Sdk;
@@ -14,4 +14,4 @@ TEST(DornSynthesisInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkdornsynthesiscontrol

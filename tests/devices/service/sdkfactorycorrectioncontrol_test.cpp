@@ -29,7 +29,7 @@ using testing::NiceMock;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkfactorycorrectioncontrol {
 namespace {
 
 using Sdk = sdk::IFactoryCorrectionControl;
@@ -461,4 +461,4 @@ TEST(FactoryCorrectionSlots, StandInTheGivenOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkfactorycorrectioncontrol

@@ -26,7 +26,7 @@ using testing::Return;
 using testing::SizeIs;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkfilememorycontrol {
 namespace {
 
 using Sdk = sdk::service::IFileMemoryControl;
@@ -267,4 +267,4 @@ TEST(FileMemoryInterface, HasItsOperationsInAFixedOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkfilememorycontrol

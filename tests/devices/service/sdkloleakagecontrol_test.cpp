@@ -16,7 +16,7 @@ using testing::NiceMock;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkloleakagecontrol {
 namespace {
 
 using Sdk = sdk::service::ILoLeakageControl;
@@ -124,4 +124,4 @@ TEST(SdkLoLeakageInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkloleakagecontrol

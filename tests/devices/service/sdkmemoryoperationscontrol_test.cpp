@@ -24,7 +24,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::NiceMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkmemoryoperationscontrol {
 namespace {
 
 using Sdk = sdk::service::IMemoryOperationsControl;
@@ -242,4 +242,4 @@ TEST(MemoryOperationsObserver, PutsTheWriteBeforeTheReadOtherThanTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkmemoryoperationscontrol

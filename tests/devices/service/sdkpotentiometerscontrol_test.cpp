@@ -28,7 +28,7 @@ using testing::NiceMock;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkpotentiometerscontrol {
 namespace {
 
 using Sdk = sdk::service::IPotentiometersControl;
@@ -189,4 +189,4 @@ TEST(PotentiometersInterface, HasItsOperationsInAFixedOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkpotentiometerscontrol

@@ -15,7 +15,7 @@ using tarn::devices::ReacquiringControl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkquillpowercontrol {
 namespace {
 
 using Adapter = QuillPower::Adapter;
@@ -262,4 +262,4 @@ TEST(QuillPowerInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkquillpowercontrol

@@ -5,7 +5,7 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkquillsynthesiscontrol {
 namespace {
 
 using Sdk = QuillSynthesis::Sdk;
@@ -47,4 +47,4 @@ TEST(QuillSynthesisInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkquillsynthesiscontrol

@@ -6,7 +6,7 @@
 
 using testing::ElementsAre;
 
-namespace tarn::tests {
+namespace tarn::tests::sdksablepowercontrol {
 namespace {
 
 using Adapter = SablePower::Adapter;
@@ -71,4 +71,4 @@ TEST(SablePowerInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdksablepowercontrol

@@ -7,7 +7,7 @@
 
 using testing::ElementsAre;
 
-namespace tarn::tests {
+namespace tarn::tests::sdksablesynthesiscontrol {
 namespace {
 
 using Adapter = SableSynthesis::Adapter;
@@ -99,4 +99,4 @@ TEST(SableSynthesisInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdksablesynthesiscontrol

@@ -22,7 +22,7 @@ using tarn::devices::service::SdkSerialNumberControl;
 using testing::_;
 using testing::NiceMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkserialnumbercontrol {
 namespace {
 
 using Sdk = sdk::service::IMemorySerialNumberControl;
@@ -150,4 +150,4 @@ TEST(SerialNumberInterface, HasItsOperationsInAFixedOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkserialnumbercontrol

@@ -26,7 +26,7 @@ using testing::IsEmpty;
 using testing::NiceMock;
 using testing::Return;
 
-namespace tarn::tests {
+namespace tarn::tests::sdksystemtermscontrol {
 namespace {
 
 using Sdk = sdk::service::ISystemTermsControl;
@@ -303,4 +303,4 @@ TEST(SystemTermsSlots, StandInTheGivenOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdksystemtermscontrol

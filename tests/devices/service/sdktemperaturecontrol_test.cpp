@@ -27,7 +27,7 @@ using testing::NiceMock;
 using testing::ReturnRef;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdktemperaturecontrol {
 namespace {
 
 using Sdk = sdk::ITemperatureControl;
@@ -346,4 +346,4 @@ TEST(SdkTemperatureInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdktemperaturecontrol

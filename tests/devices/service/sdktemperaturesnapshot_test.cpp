@@ -17,7 +17,7 @@ using tarn::devices::service::SdkTemperatureControl;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::sdktemperaturesnapshot {
 namespace {
 
 using Sdk = sdk::ITemperatureControl;
@@ -192,4 +192,4 @@ TEST(SdkTemperatureSnapshotThreads, ReadersSeeTheWholeOldOrTheWholeNewSnapshot)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdktemperaturesnapshot

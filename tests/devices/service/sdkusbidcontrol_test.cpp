@@ -25,7 +25,7 @@ using testing::NiceMock;
 using testing::Return;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkusbidcontrol {
 namespace {
 
 using Sdk = sdk::service::IMemoryUsbIdControl;
@@ -200,4 +200,4 @@ TEST(UsbIdInterface, HasItsOperationsInAFixedOrder)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkusbidcontrol

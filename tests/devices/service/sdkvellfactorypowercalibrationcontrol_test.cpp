@@ -20,7 +20,7 @@ using testing::IsEmpty;
 using testing::NiceMock;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkvellfactorypowercalibrationcontrol {
 namespace {
 
 using Sdk = sdk::service::IVellFactoryPowerCalibrationControl;
@@ -94,4 +94,4 @@ TEST_F(SdkVellFactoryPowerCalibrationControlTest, SendsEveryTimeAsItsCountOfSeco
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkvellfactorypowercalibrationcontrol

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 using testing::NiceMock;
 using testing::StrictMock;
 
-namespace tarn::tests {
+namespace tarn::tests::sdkvellifswcalibrationcontrol {
 namespace {
 
 using Sdk = sdk::service::IVellIfswCalibrationControl;
@@ -103,4 +103,4 @@ TEST_F(SdkVellIfswCalibrationControlTest, HandsTheFirstListOverWithoutCopyingIt)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkvellifswcalibrationcontrol

@@ -1,6 +1,6 @@
 #include "velltuning.h"
 
-namespace tarn::tests {
+namespace tarn::tests::sdkvellsynthesiscontrol {
 namespace {
 
 using Sdk = VellSynthesis::Sdk;
@@ -12,4 +12,4 @@ TEST(VellSynthesisInterface, HasItsOperationsInTheOrderOfTheSdk)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::sdkvellsynthesiscontrol

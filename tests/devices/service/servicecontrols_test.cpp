@@ -79,7 +79,7 @@ using tarn::devices::service::SdkVellIfswCalibrationControl;
 using tarn::devices::service::SdkVellSynthesisControl;
 using testing::NiceMock;
 
-namespace tarn::tests {
+namespace tarn::tests::servicecontrols {
 namespace {
 
 /// The table, written down once more.
@@ -485,4 +485,4 @@ TEST(LibraryFile, HoldsTheTwoKeysOfEachRowAsOneRecord)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::servicecontrols

@@ -21,7 +21,7 @@
 #include <tuple>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::simulatedinstrument {
 namespace {
 
 using namespace devices;
@@ -341,4 +341,4 @@ TEST_F(SimulatedInstrument, ThatComesAndGoesLosesNoEndAndTellsNobodyWhoHasGone)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::simulatedinstrument

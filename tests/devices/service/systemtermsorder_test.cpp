@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::systemtermsorder {
 namespace {
 
 using SdkTerms = sdk::corrections::ErrorTerms;
@@ -104,4 +104,4 @@ TEST_F(SystemTermsOrder, NothingIsConvertedForNobody)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::systemtermsorder

@@ -7,7 +7,7 @@
 
 #include <type_traits>
 
-namespace tarn::tests {
+namespace tarn::tests::tuningcontrols {
 namespace {
 
 template <class... Tuned>
@@ -53,4 +53,4 @@ TYPED_TEST(TuningControl, EveryOperationMakesItsOneCallAndHandsItsValuesOn)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::tuningcontrols

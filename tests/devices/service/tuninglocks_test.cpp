@@ -8,7 +8,7 @@
 #include <system_error>
 #include <tuple>
 
-namespace tarn::tests {
+namespace tarn::tests::tuninglocks {
 namespace {
 
 template <class Tuning>
@@ -64,4 +64,4 @@ TEST(QuillPowerLocks, HoldsNothingWhileItEmits)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::tuninglocks

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace tarn::tests {
+namespace tarn::tests::tuningmodes {
 namespace {
 
 /// Whether `modes` have the numbers from `first` on.
@@ -95,4 +95,4 @@ TEST(TuningModes, OfSableSynthesisHaveTheirNumbersOnBothSides)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::tuningmodes

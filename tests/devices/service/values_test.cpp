@@ -13,7 +13,7 @@
 
 #include <vector>
 
-namespace tarn::tests {
+namespace tarn::tests::values {
 namespace {
 
 using namespace devices::service;
@@ -66,4 +66,4 @@ TEST(Values, OfTheCalibrationsAndTheTemperaturesAreEqualWhenEveryFieldIs)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::values

@@ -17,7 +17,7 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-namespace tarn::tests {
+namespace tarn::tests::writeobservers {
 namespace {
 
 /// Writes down what it hears.
@@ -367,4 +367,4 @@ TEST(WriteObserversEntries, AnObserverThatIsThereGetsNoOtherSdkObserver)
 }
 
 } // namespace
-} // namespace tarn::tests
+} // namespace tarn::tests::writeobservers
