@@ -149,7 +149,11 @@ QJsonObject StateFolder::readIndex() const
                    .arg(formatVersion));
     if (!sections.isObject())
         refuse(QStringLiteral("it is damaged: it has no sections"));
-    return sections.toObject();
+    // Qt takes a byte order mark away from the beginning of a name when it writes it, and two names might become one.
+    const QJsonDocument known{sections.toObject()};
+    if (QJsonDocument::fromJson(known.toJson()) != known)
+        refuse(QStringLiteral("it is damaged: a name in it begins with a byte order mark"));
+    return known.object();
 }
 
 QJsonValue StateFolder::section(const QString& name) const

@@ -44,6 +44,24 @@ TEST_F(StateTest, OfANewerProgramIsNamedAsSuchHoweverNewItIs)
     EXPECT_THAT(refused().message.toStdString(), HasSubstr("a newer program wrote it (format version 3000000000,"));
 }
 
+TEST_F(StateTest, WhoseNamesWouldChangeWhenItIsSavedIsRefusedAndLeftAsItIs)
+{
+    writeOnce("a", {1});
+    const auto text = contentsOf(file("index.json"));
+    for (const QByteArray added : {"\"\xef\xbb\xbf"
+                                   "a\": 1, ",
+                                   "\"a\": {\"\xef\xbb\xbf"
+                                   "b\": 1}, "}) {
+        auto damaged = text;
+        damaged.replace("\"sections\": {", "\"sections\": {" + added);
+        ASSERT_NE(damaged, text);
+        replace(file("index.json"), damaged);
+        EXPECT_THAT(refused().message.toStdString(),
+                    HasSubstr("it is damaged: a name in it begins with a byte order mark"));
+        EXPECT_EQ(contentsOf(file("index.json")), damaged);
+    }
+}
+
 TEST_F(StateTest, CannotBeWhereSomethingElseIs)
 {
     const auto obstacle = m_root.filePath(QStringLiteral("file"));
