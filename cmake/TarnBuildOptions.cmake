@@ -2,6 +2,7 @@
 # `tarn_build_options`. The presets choose among the options below.
 
 option(TARN_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
+option(TARN_BATCHES "Compile several files of a large test program at a time" OFF)
 option(TARN_COVERAGE "Instrument for source-based coverage (Clang)" OFF)
 set(TARN_SANITIZERS "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
