@@ -51,13 +51,14 @@ TEST_F(StateTest, WhoseNamesWouldChangeWhenItIsSavedIsRefusedAndLeftAsItIs)
     for (const QByteArray added : {"\"\xef\xbb\xbf"
                                    "a\": 1, ",
                                    "\"a\": {\"\xef\xbb\xbf"
-                                   "b\": 1}, "}) {
+                                   "b\": 1}, ",
+                                   "\"a\": \"\\\\\", \"b\": \"\\uFeFf\", "}) {
         auto damaged = text;
         damaged.replace("\"sections\": {", "\"sections\": {" + added);
         ASSERT_NE(damaged, text);
         replace(file("index.json"), damaged);
         EXPECT_THAT(refused().message.toStdString(),
-                    HasSubstr("it is damaged: a name in it begins with a byte order mark"));
+                    HasSubstr("it is damaged: a text in it begins with a byte order mark"));
         EXPECT_EQ(contentsOf(file("index.json")), damaged);
     }
 }

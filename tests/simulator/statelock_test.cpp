@@ -69,6 +69,20 @@ TEST_F(StateLockTest, IsFreeWhateverTheLockFileSaysWhenNobodyHoldsIt)
     }
 }
 
+TEST_F(StateLockTest, IsHeldByAnotherProcessWhenTheLockFileDoesNotSayByWhom)
+{
+    const StateFolder first{folder(), [] { return false; }};
+    for (const auto& contents : {QByteArray{}, QByteArray{"\n"}, QByteArray{1, '\0'} + "x"}) {
+        replace(file("lock"), contents);
+        try {
+            const StateFolder second{folder(), [] { return false; }};
+            ADD_FAILURE() << "held twice";
+        } catch (const StateFolderBusy& busy) {
+            EXPECT_STREQ(busy.what(), "another process");
+        }
+    }
+}
+
 TEST_F(StateLockTest, KeepsTheLockFileSoThatAllLockTheSameOne)
 {
     static_cast<void>(open());
