@@ -137,7 +137,7 @@ std::string StateFolder::holder()
 {
     constexpr qint64 longest = 500;
     m_lock.seek(0);
-    std::string holder = m_lock.readLine(longest).trimmed().constData(); // as far as it can be said
+    const std::string holder = m_lock.readLine(longest).trimmed().constData(); // as far as it can be said
     return holder.empty() ? "another process" : holder;
 }
 
