@@ -52,7 +52,7 @@ TEST_F(StateTest, WhoseNamesWouldChangeWhenItIsSavedIsRefusedAndLeftAsItIs)
                                    "a\": 1, ",
                                    "\"a\": {\"\xef\xbb\xbf"
                                    "b\": 1}, ",
-                                   "\"a\": \"\\\\\", \"b\": \"\\uFeFf\", "}) {
+                                   R"("a": "\"", "b": "\uFeFf", )", R"("a": "\\", "b": "\uFeFf", )"}) {
         auto damaged = text;
         damaged.replace("\"sections\": {", "\"sections\": {" + added);
         ASSERT_NE(damaged, text);
