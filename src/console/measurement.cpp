@@ -1,6 +1,7 @@
 #include <console/measurement.h>
 
 #include <console/requests.h>
+#include <console/text.h>
 #include <devices/service/sdktemperaturecontrol.h>
 
 #include <fmt/format.h>
@@ -72,9 +73,11 @@ std::optional<QDateTime> parseTime(const std::string& text)
 {
     // In parts: a whole that is read as local time is not valid in the hour that summer time skips.
     constexpr qsizetype dateLength = 10;
-    const auto whole = QString::fromStdString(text);
-    const auto date = QDate::fromString(whole.left(dateLength), QStringLiteral("yyyy-MM-dd"));
-    const auto time = QTime::fromString(whole.mid(dateLength), QStringLiteral("'T'HH:mm:ss'Z'"));
+    const auto whole = decoded(text);
+    if (!whole)
+        return std::nullopt;
+    const auto date = QDate::fromString(whole->left(dateLength), QStringLiteral("yyyy-MM-dd"));
+    const auto time = QTime::fromString(whole->mid(dateLength), QStringLiteral("'T'HH:mm:ss'Z'"));
     if (!date.isValid() || !time.isValid())
         return std::nullopt;
     return QDateTime{date, time, Qt::UTC};

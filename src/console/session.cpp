@@ -11,20 +11,26 @@ namespace tarn::console {
 
 namespace {
 
+/// `bytes`, which the command line or the environment gives for `what`, as text.
+QString textOf(std::string_view what, const std::string& bytes)
+{
+    const auto text = decoded(bytes);
+    if (!text)
+        throw Error{ErrorCode::Usage, fmt::format("the {} '{}' {}", what, bytes, text.error()),
+                    "name one that is spelled in UTF-8"};
+    return *text;
+}
+
 /// Where a provider may keep what must last.
 QString stateFolder(const std::optional<std::string>& option)
 {
-    const auto named = option.value_or(qgetenv("TARN_SERVICE_STATE").toStdString());
-    const auto chosen = decoded(named);
-    if (!chosen)
-        throw Error{ErrorCode::Usage, fmt::format("the state folder '{}' {}", named, chosen.error()),
-                    "name one whose path is spelled in UTF-8"};
-    if (option && chosen->isEmpty())
+    const auto chosen = textOf("state folder", option.value_or(qgetenv("TARN_SERVICE_STATE").toStdString()));
+    if (option && chosen.isEmpty())
         throw Error{ErrorCode::Usage, "--state needs a folder", "name one, or 'none' to keep nothing"};
-    if (*chosen == QLatin1StringView{"none"})
-        return *chosen;
-    if (!chosen->isEmpty())
-        return QDir::cleanPath(QDir::current().absoluteFilePath(*chosen));
+    if (chosen == QLatin1StringView{"none"})
+        return chosen;
+    if (!chosen.isEmpty())
+        return QDir::cleanPath(QDir::current().absoluteFilePath(chosen));
     const auto base = qEnvironmentVariable("XDG_STATE_HOME");
     const auto standard = QDir::isAbsolutePath(base) ? base : QDir::homePath() + QStringLiteral("/.local/state");
     return QDir::cleanPath(standard + QStringLiteral("/tarn-service"));
@@ -94,10 +100,14 @@ Instrument& Session::instrument()
     return *m_instrument;
 }
 
+QString Session::address() const
+{
+    return textOf("address", m_options.address.value_or(std::string{}));
+}
+
 std::unique_ptr<Instrument> Session::open()
 {
-    const provider::OpenRequest request{QString::fromStdString(m_options.address.value_or(std::string{})),
-                                        stateFolder(m_options.state)};
+    const provider::OpenRequest request{address(), stateFolder(m_options.state)};
     const auto& source = provider();
     const DeviceCall call;
     auto device = source.provider->open(request);

@@ -4,11 +4,12 @@
 #include <console/output.h>
 #include <console/providercatalogue.h>
 
+#include <QString>
+
 #include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace tarn::console {
 
@@ -28,7 +29,6 @@ public:
     /// `output` must outlive it.
     Session(GlobalOptions options, const Output& output);
 
-    [[nodiscard]] const GlobalOptions& options() const { return m_options; }
     [[nodiscard]] const Output& output() const { return m_output; }
 
     /// The provider plug-ins.
@@ -43,8 +43,12 @@ public:
     /// Closes the instrument, once the command has ended with the exit code `code`.
     void close(int code);
 
+    /// The address of the instrument, empty for the provider's default; throws `Error` (`Usage`) for one that is not
+    /// UTF-8.
+    [[nodiscard]] QString address() const;
+
     /// Selects another instrument than the command line does. Before the first use.
-    void setAddress(std::string address) { m_options.address = std::move(address); }
+    void setAddress(const QString& address) { m_options.address = address.toStdString(); }
 
 private:
     [[nodiscard]] std::unique_ptr<Instrument> open();

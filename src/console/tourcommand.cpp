@@ -191,10 +191,8 @@ void TourCommand::addTo(CommandLine& line)
     auto& verb = line.addVerb(
         "tour", "Walk through every control of the instrument and show what it does", [](Session& session) {
             const auto& source = session.provider();
-            if (source.isSimulated && hasDropOption(source)) {
-                const auto address = QString::fromStdString(session.options().address.value_or(std::string{}));
-                session.setAddress(restless(address).toStdString());
-            }
+            if (source.isSimulated && hasDropOption(source))
+                session.setAddress(restless(session.address()));
             Tour{session}.run();
         });
     CommandLine::addExamples(verb, {"tour", "--address drop-every=3,seed=7 tour", "--json tour"});

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <utility>
+
 namespace tarn::console {
 
 using testing::HasSubstr;
@@ -204,6 +206,24 @@ TEST_F(CommandLineTest, AStateFolderThatIsNotUtf8IsRefusedAndNotMade)
                     testing::AnyOf(HasSubstr("is not UTF-8\n"), HasSubstr("starts with a byte order mark\n")));
     }
     EXPECT_EQ(localNames(), QStringList{});
+}
+
+TEST_F(CommandLineTest, AnAddressThatIsNotUtf8IsRefused)
+{
+    const auto* const foreign = "the address '\uFFFD' is not UTF-8\n";
+    const auto* const marked = "profile=pell' starts with a byte order mark\n";
+    for (const auto& [command, refusal] :
+         {std::pair{"--address $'\\xff' controls", foreign}, std::pair{"--address $'\\xff' tour", foreign},
+          std::pair{"--address $'\\xef\\xbb\\xbfprofile=pell' controls", marked}}) {
+        QProcess shell;
+        prepare(shell, {QStringLiteral("-c"), QStringLiteral(TARN_SERVICE_PROGRAM " ") + QString::fromUtf8(command)});
+        shell.setProgram(QStringLiteral("bash"));
+        shell.start();
+        const auto outcome = finish(shell);
+        EXPECT_EQ(outcome.exitCode, 2) << command;
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr(refusal));
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr("name one that is spelled in UTF-8"));
+    }
 }
 
 TEST_F(CommandLineTest, JsonAfterTheEndOfOptionsIsAName)

@@ -14,7 +14,9 @@ TEST(MeasurementTime, IsIso8601InUtcToTheSecond)
     EXPECT_EQ(measurementText({*time, 23.456}), "measured 2026-01-02T03:04:05Z at 23.46 °C");
     for (const auto* const text :
          {"", "now", "2026-01-02", "2026-01-02T03:04:05", "2026-01-02T03:04:05+01:00", "2026-02-30T03:04:05Z",
-          "2026-01-02T24:04:05Z", "2026-01-02T03:04:05Z ", "2026-01-02T03:04:05.5Z"})
+          "2026-01-02T24:04:05Z", "2026-01-02T03:04:05Z ", "2026-01-02T03:04:05.5Z",
+          "\xef\xbb\xbf"
+          "2026-01-02T03:04:05Z"})
         EXPECT_FALSE(parseTime(text)) << text;
 }
 
