@@ -186,15 +186,15 @@ void showUnits(Tour& tour, std::uint64_t registryKey)
 
 void FirstCalibrationsCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("calibrations", "The calibration units of the instrument and what they hold");
-    CommandLine::addExamples(noun, {"calibrations status", "calibrations watch"});
+    const auto noun = line.addNoun("calibrations", "The calibration units of the instrument and what they hold");
+    noun.addExamples({"calibrations status", "calibrations watch"});
     line.addVerb(noun, "status", "Show every unit and whether its data is valid", &showStatus);
 
     const auto count = std::make_shared<std::optional<std::uint64_t>>();
-    auto& verb = line.addVerb(noun, "watch", "Show the units and every change, until Ctrl-C",
-                              [count](Session& session) { watch(session, *count); });
+    const auto verb = line.addVerb(noun, "watch", "Show the units and every change, until Ctrl-C",
+                                   [count](Session& session) { watch(session, *count); });
     addCountOption(verb, *count, "End after so many lines");
-    CommandLine::addExamples(verb, {"calibrations watch", "calibrations watch --count 10 --json"});
+    verb.addExamples({"calibrations watch", "calibrations watch --count 10 --json"});
 }
 
 void FirstCalibrationsCommand::tour(Tour& tour)

@@ -5,6 +5,8 @@
 
 #include <QJsonObject>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <chrono>
 #include <map>
@@ -74,98 +76,93 @@ bool isOption(std::string_view word)
 }
 
 /// A time as in addresses, or in seconds.
-std::chrono::milliseconds timeoutFrom(const std::string& text)
+std::optional<std::chrono::milliseconds> parseTimeout(const std::string& text)
 {
     static constexpr std::chrono::days longest{1};
     const auto isBare = text.find_last_not_of("0123456789.") == std::string::npos;
     const auto length = utils::parseDuration(isBare ? text + 's' : text);
     if (!length || *length < std::chrono::milliseconds{1} || *length > longest)
-        throw CLI::ValidationError{
-            "--timeout", "'" + text + "' is not a time such as 30, 500ms or 2min, from a millisecond to a day"};
+        return std::nullopt;
     return std::chrono::floor<std::chrono::milliseconds>(*length);
 }
 
 } // namespace
 
 CommandLine::CommandLine()
-    : m_app{summary, "tarn-service"}
+    : m_app{std::make_unique<CLI::App>(summary, "tarn-service")}
 {
-    m_app.footer(footer);
-    m_app.fallthrough();
-    m_app.require_subcommand(1);
-    m_app.formatter(std::make_shared<Formatter>("NOUN"));
+    m_app->footer(footer);
+    m_app->fallthrough();
+    m_app->require_subcommand(1);
+    m_app->formatter(std::make_shared<Formatter>("NOUN"));
     addGlobalOptions();
 }
+
+CommandLine::~CommandLine() = default;
 
 void CommandLine::addGlobalOptions()
 {
     static const std::map<std::string, ColorMode> colors{
         {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
-    m_app.add_option("--provider", m_options.provider, "Who provides the instrument")
+    const auto readTimeout = [this](const std::string& text) -> std::optional<std::string> {
+        const auto timeout = parseTimeout(text);
+        if (!timeout)
+            return fmt::format("'{}' is not a time such as 30, 500ms or 2min, from a millisecond to a day", text);
+        m_options.timeout = *timeout;
+        return std::nullopt;
+    };
+    const Command program{*m_app};
+    m_app->add_option("--provider", m_options.provider, "Who provides the instrument")
         ->type_name("NAME")
         ->capture_default_str();
-    m_app.add_option("--address", m_options.address, "Which instrument; see 'tarn-service providers'")
-        ->type_name("ADDRESS");
+    program.addOption("--address", "ADDRESS", m_options.address, "Which instrument; see 'tarn-service providers'");
+    program.addOption("--state", "DIR", m_options.state,
+                      "Where a simulated instrument keeps its state; 'none' keeps it in memory "
+                      "[$XDG_STATE_HOME/tarn-service]");
+    program.addOption("--timeout", "TIME", readTimeout,
+                      "How long the instrument may take without progress, in seconds or as 500ms or 2min [30]");
+    program.addFlag("--json", m_options.output.json, "One JSON object on standard output instead of text");
     m_app
-        .add_option("--state", m_options.state,
-                    "Where a simulated instrument keeps its state; 'none' keeps it in memory "
-                    "[$XDG_STATE_HOME/tarn-service]")
-        ->type_name("DIR");
-    m_app
-        .add_option_function<std::string>(
-            "--timeout", [this](const std::string& text) { m_options.timeout = timeoutFrom(text); },
-            "How long the instrument may take without progress, in seconds or as 500ms or 2min [30]")
-        ->type_name("TIME");
-    m_app.add_flag("--json", m_options.output.json, "One JSON object on standard output instead of text");
-    m_app
-        .add_option_function<std::string>(
+        ->add_option_function<std::string>(
             "--color", [this](const std::string& when) { m_options.output.color = colors.at(when); },
             "When to use colour: auto, always or never [auto]")
         ->option_text("WHEN")
         ->check(CLI::IsMember{colors});
-    m_app.add_flag("-q,--quiet", m_options.output.quiet, "No messages except errors");
-    m_app.add_flag("-v,--verbose", m_options.output.verbose, "Say what is loaded and opened");
-    m_app.set_version_flag("--version", TARN_VERSION, "Print the version and exit");
+    program.addFlag("-q,--quiet", m_options.output.quiet, "No messages except errors");
+    program.addFlag("-v,--verbose", m_options.output.verbose, "Say what is loaded and opened");
+    m_app->set_version_flag("--version", TARN_VERSION, "Print the version and exit");
 }
 
-CLI::App& CommandLine::addNoun(const std::string& name, const std::string& description)
+Command CommandLine::addNoun(const std::string& name, const std::string& description)
 {
-    auto& noun = *m_app.add_subcommand(name, description);
+    auto& noun = *m_app->add_subcommand(name, description);
     noun.require_subcommand(1);
     noun.footer(commandFooter);
     noun.group("Nouns");
     noun.formatter(std::make_shared<Formatter>("VERB"));
-    return noun;
+    return Command{noun};
 }
 
-CLI::App& CommandLine::addVerb(CLI::App& noun, const std::string& name, const std::string& description, Run run)
+Command CommandLine::addVerb(Command noun, const std::string& name, const std::string& description, Run run)
 {
-    auto& verb = *noun.add_subcommand(name, description);
+    auto& verb = *noun.m_app->add_subcommand(name, description);
     verb.footer(commandFooter);
-    verb.group(&noun == &m_app ? "Nouns" : "Verbs");
+    verb.group(noun.m_app == m_app.get() ? "Nouns" : "Verbs");
     verb.callback([this, run = std::move(run)] { m_run = run; });
-    return verb;
+    return Command{verb};
 }
 
-CLI::App& CommandLine::addVerb(const std::string& name, const std::string& description, Run run)
+Command CommandLine::addVerb(const std::string& name, const std::string& description, Run run)
 {
-    return addVerb(m_app, name, description, std::move(run));
-}
-
-void CommandLine::addExamples(CLI::App& command, std::initializer_list<std::string_view> examples)
-{
-    std::string list = "\nExamples:\n";
-    for (const auto example : examples)
-        list += fmt::format("  tarn-service {}\n", example);
-    command.footer(list + commandFooter);
+    return addVerb(Command{*m_app}, name, description, std::move(run));
 }
 
 void CommandLine::parse(int argc, const char* const* argv)
 {
     try {
-        m_app.parse(argc, argv);
+        m_app->parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
-        m_run = [text = m_app.help()](Session& session) {
+        m_run = [text = m_app->help()](Session& session) {
             session.output().result(object(QStringLiteral("help"), text), text);
         };
     } catch (const CLI::CallForVersion& version) {
@@ -182,7 +179,7 @@ void CommandLine::parse(int argc, const char* const* argv)
 std::string CommandLine::command() const
 {
     std::string words;
-    for (const auto* app = &selected(); app != &m_app; app = app->get_parent())
+    for (const auto* app = &selected(); app != m_app.get(); app = app->get_parent())
         words.insert(0, app->get_name() + (words.empty() ? "" : " "));
     return words;
 }
@@ -190,7 +187,7 @@ std::string CommandLine::command() const
 /// The last command word that was understood.
 const CLI::App& CommandLine::selected() const
 {
-    const CLI::App* app = &m_app;
+    const CLI::App* app = m_app.get();
     while (!app->get_subcommands().empty())
         app = app->get_subcommands().front();
     return *app;
@@ -201,7 +198,7 @@ Error CommandLine::usage(const CLI::ParseError& error) const
     const auto words = command();
     const auto spelled = "tarn-service" + (words.empty() ? "" : " " + words);
     const auto explained = fmt::format("'{} --help' explains", spelled);
-    const auto unknown = m_app.remaining(true);
+    const auto unknown = m_app->remaining(true);
     const auto commands = commandsOf(selected());
     if (std::ranges::any_of(unknown, isOption))
         return Error{ErrorCode::Usage,
@@ -226,7 +223,7 @@ bool CommandLine::isOfGlobalOption(const CLI::ParseError& error) const
     std::string_view message{error.what()};
     message.remove_prefix(message.starts_with(conversion) ? conversion.size() : 0);
     const auto name = message.substr(0, message.find_first_of(": "));
-    return m_app.get_option_no_throw(std::string{name}) != nullptr;
+    return m_app->get_option_no_throw(std::string{name}) != nullptr;
 }
 
 } // namespace tarn::console

@@ -1,17 +1,19 @@
 #pragma once
 
+#include <console/command.h>
 #include <console/completion.h>
 #include <console/session.h>
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
-#include <initializer_list>
+#include <memory>
 #include <span>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
+
+namespace CLI {
+class ParseError;
+}
 
 namespace tarn::console {
 
@@ -22,28 +24,26 @@ public:
     using Run = std::function<void(Session&)>;
 
     CommandLine();
+    ~CommandLine();
 
     /// Adds a noun that has verbs.
-    [[nodiscard]] CLI::App& addNoun(const std::string& name, const std::string& description);
+    [[nodiscard]] Command addNoun(const std::string& name, const std::string& description);
 
     /// Adds a verb to `noun`, or a noun of its own without one. `run` does it; what it throws ends
     /// the program.
-    CLI::App& addVerb(CLI::App& noun, const std::string& name, const std::string& description, Run run);
-    CLI::App& addVerb(const std::string& name, const std::string& description, Run run);
-
-    /// Ends the help of `command` with examples, each without the program's name.
-    static void addExamples(CLI::App& command, std::initializer_list<std::string_view> examples);
+    Command addVerb(Command noun, const std::string& name, const std::string& description, Run run);
+    Command addVerb(const std::string& name, const std::string& description, Run run);
 
     /// Proposes `candidates` for the arguments of `command` while it is being typed.
-    void addCandidates(const CLI::App& command, Candidates candidates)
+    void addCandidates(Command command, Candidates candidates)
     {
-        m_completion.add(command, std::move(candidates));
+        m_completion.add(*command.m_app, std::move(candidates));
     }
 
     /// What the last of `words` may become; see `Completion`.
     [[nodiscard]] std::vector<std::string> propose(std::span<const std::string> words) const
     {
-        return m_completion.propose(m_app, words);
+        return m_completion.propose(*m_app, words);
     }
 
     /// What a command line asks for. Throws `Error` (`Usage`).
@@ -64,7 +64,7 @@ private:
     [[nodiscard]] Error usage(const CLI::ParseError& error) const;
     [[nodiscard]] bool isOfGlobalOption(const CLI::ParseError& error) const;
 
-    CLI::App m_app;
+    std::unique_ptr<CLI::App> m_app;
     Completion m_completion;
     GlobalOptions m_options;
     Run m_run;

@@ -1,5 +1,7 @@
 #include <console/completion.h>
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 
 namespace tarn::console {

@@ -1,12 +1,15 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <map>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace tarn::console {
 

@@ -37,13 +37,13 @@ void printProposals(const Session& session, const std::vector<std::string>& prop
 
 void CompletionCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("completion", "Completion of commands in a shell");
+    const auto noun = line.addNoun("completion", "Completion of commands in a shell");
     line.addVerb(noun, "bash", "Print a script that teaches bash to complete commands: source it", &printScript);
     const auto words = std::make_shared<std::vector<std::string>>();
-    auto& verb = line.addVerb(noun, "words", "Print what the last word may become",
-                              [&line, words](Session& session) { printProposals(session, line.propose(*words)); });
-    verb.add_option("WORD", *words, "The words after the program's name; the last may be empty")->required();
-    CommandLine::addExamples(verb, {"completion words -- files re"});
+    const auto verb = line.addVerb(noun, "words", "Print what the last word may become",
+                                   [&line, words](Session& session) { printProposals(session, line.propose(*words)); });
+    verb.addWords("WORD", *words, "The words after the program's name; the last may be empty");
+    verb.addExamples({"completion words -- files re"});
 }
 
 } // namespace tarn::console

@@ -4,9 +4,9 @@
 
 namespace tarn::console {
 
-void Confirmation::addTo(CLI::App& command)
+void Confirmation::addTo(Command command)
 {
-    command.add_flag("-y,--yes", m_yes, "Do not ask");
+    command.addFlag("-y,--yes", m_yes, "Do not ask");
 }
 
 void Confirmation::obtain(const Output& output, const std::string& change, const std::string& question) const

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <console/command.h>
 #include <console/output.h>
-
-#include <CLI/CLI.hpp>
 
 #include <string>
 
@@ -12,7 +11,7 @@ namespace tarn::console {
 class Confirmation {
 public:
     /// Adds `--yes` to a command.
-    void addTo(CLI::App& command);
+    void addTo(Command command);
 
     /// Returns when `question`, which says what will change, is answered with yes. Throws `Error`
     /// (`Refused`) on any other answer, and where there is no terminal to ask on. `change` names

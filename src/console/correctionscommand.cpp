@@ -123,30 +123,31 @@ FactoryCorrection correctionNamed(const std::string& name)
                 fmt::format("name one of {}", correctionNames())};
 }
 
-void addSwitchVerb(CommandLine& line, CLI::App& noun, const std::string& name, bool enabled)
+void addSwitchVerb(CommandLine& line, Command noun, const std::string& name, bool enabled)
 {
     const auto correction = std::make_shared<std::string>();
-    auto& verb = line.addVerb(noun, name, enabled ? "Switch a correction on" : "Switch a correction off",
-                              [=](Session& session) { setEnabled(session, correctionNamed(*correction), enabled); });
-    verb.add_option("NAME", *correction, "Which; 'corrections list' shows them")->required();
+    const auto verb
+        = line.addVerb(noun, name, enabled ? "Switch a correction on" : "Switch a correction off",
+                       [=](Session& session) { setEnabled(session, correctionNamed(*correction), enabled); });
+    verb.addWord("NAME", *correction, "Which; 'corrections list' shows them");
 }
 
 } // namespace
 
 void CorrectionsCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("corrections", "The factory corrections and their switches");
-    CommandLine::addExamples(noun, {"corrections list", "corrections disable port-extension", "corrections watch"});
+    const auto noun = line.addNoun("corrections", "The factory corrections and their switches");
+    noun.addExamples({"corrections list", "corrections disable port-extension", "corrections watch"});
     line.addVerb(noun, "list", "List the corrections that the instrument knows, and their states", &showList);
     addSwitchVerb(line, noun, "enable", true);
     addSwitchVerb(line, noun, "disable", false);
 
     const auto count = std::make_shared<std::optional<std::uint64_t>>();
-    auto& verb
+    const auto verb
         = line.addVerb(noun, "watch", "Show the supported and the valid corrections, and every change, until Ctrl-C",
                        [count](Session& session) { watchCorrections(session, *count); });
     addCountOption(verb, *count, "End after so many lines");
-    CommandLine::addExamples(verb, {"corrections watch", "corrections watch --count 10 --json"});
+    verb.addExamples({"corrections watch", "corrections watch --count 10 --json"});
 }
 
 void CorrectionsCommand::tour(Tour& tour)

@@ -4,18 +4,18 @@
 
 namespace tarn::console {
 
-void addCalibrationVerbs(CommandLine& line, CLI::App& noun, const FactoryCalibration& calibration)
+void addCalibrationVerbs(CommandLine& line, Command noun, const FactoryCalibration& calibration)
 {
     const auto& [name, about, data, file, moreOptions, isMeasurement, save, example] = calibration;
     const auto options = std::make_shared<SaveOptions>();
-    auto& verb = line.addVerb(noun, "save", fmt::format("Save {} in the instrument, after asking", data),
-                              [options, run = save](Session& session) { run(session, *options); });
-    verb.add_option("FILE", options->path, fmt::format("The {}; '-' is standard input, with --yes", data))->required();
+    const auto verb = line.addVerb(noun, "save", fmt::format("Save {} in the instrument, after asking", data),
+                                   [options, run = save](Session& session) { run(session, *options); });
+    verb.addWord("FILE", options->path, fmt::format("The {}; '-' is standard input, with --yes", data));
     if (isMeasurement)
         options->measurement.addTo(verb);
     options->confirmation.addTo(verb);
-    CommandLine::addExamples(
-        verb, {fmt::format("{} save {}", name, file), fmt::format("{} save {} {}--yes", name, file, moreOptions)});
+    verb.addExamples(
+        {fmt::format("{} save {}", name, file), fmt::format("{} save {} {}--yes", name, file, moreOptions)});
     addExampleVerb(line, noun, "Print valid " + data, example);
 }
 

@@ -35,15 +35,15 @@ struct FactoryCalibration {
 };
 
 /// Adds the verbs `save` and `example`.
-void addCalibrationVerbs(CommandLine& line, CLI::App& noun, const FactoryCalibration& calibration);
+void addCalibrationVerbs(CommandLine& line, Command noun, const FactoryCalibration& calibration);
 
 /// Adds the noun of `calibration`, whose plan is that of `Control`.
 template <class Control>
 void addFactoryCalibration(CommandLine& line, const FactoryCalibration& calibration)
 {
-    auto& noun = line.addNoun(calibration.noun, "The factory calibration of " + calibration.about);
+    const auto noun = line.addNoun(calibration.noun, "The factory calibration of " + calibration.about);
     const auto& name = calibration.noun;
-    CommandLine::addExamples(noun, {name + " plan", fmt::format("{} save {}", name, calibration.file)});
+    noun.addExamples({name + " plan", fmt::format("{} save {}", name, calibration.file)});
     addPlanVerb<Control>(line, noun);
     addCalibrationVerbs(line, noun, calibration);
 }

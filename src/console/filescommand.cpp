@@ -14,37 +14,35 @@ namespace tarn::console {
 
 void FilesCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("files", "The instrument's file memory");
-    CommandLine::addExamples(noun, {"files list", "files write settings.bin", "files read settings.bin -o copy.bin"});
+    const auto noun = line.addNoun("files", "The instrument's file memory");
+    noun.addExamples({"files list", "files write settings.bin", "files read settings.bin -o copy.bin"});
     line.addVerb(noun, "list", "List the files: size in bytes and name", &filesverbs::listFiles);
     line.addVerb(noun, "space", "Show how much the file memory holds", &filesverbs::showSpace);
 
     const auto read = std::make_shared<filesverbs::ReadOptions>();
-    auto& readVerb = line.addVerb(noun, "read", "Read a file from the instrument",
-                                  [read](Session& session) { filesverbs::readFile(session, *read); });
-    readVerb.add_option("NAME", read->name, "The file's name on the instrument")->required();
-    readVerb.add_option("-o,--output", read->path, "Where to write it; '-' is standard output [NAME, if it is plain]")
-        ->type_name("PATH");
-    readVerb.add_flag("--overwrite", read->overwrite, "Replace a local file that has other contents");
-    CommandLine::addExamples(readVerb,
-                             {"files read settings.bin", "files read settings.bin -o backup/settings.bin",
-                              "files read settings.bin -o - | sha256sum"});
+    const auto readVerb = line.addVerb(noun, "read", "Read a file from the instrument",
+                                       [read](Session& session) { filesverbs::readFile(session, *read); });
+    readVerb.addWord("NAME", read->name, "The file's name on the instrument");
+    readVerb.addOption("-o,--output", "PATH", read->path,
+                       "Where to write it; '-' is standard output [NAME, if it is plain]");
+    readVerb.addFlag("--overwrite", read->overwrite, "Replace a local file that has other contents");
+    readVerb.addExamples({"files read settings.bin", "files read settings.bin -o backup/settings.bin",
+                          "files read settings.bin -o - | sha256sum"});
 
     const auto write = std::make_shared<filesverbs::WriteOptions>();
-    auto& writeVerb = line.addVerb(noun, "write", "Write a file into the instrument, read it back and compare",
-                                   [write](Session& session) { filesverbs::writeFile(session, *write); });
-    writeVerb.add_option("PATH", write->path, "The local file; '-' is standard input")->required();
-    writeVerb.add_option("--as", write->name, "Its name on the instrument [the last part of PATH]")->type_name("NAME");
-    writeVerb.add_flag("--overwrite", write->overwrite, "Replace a file of the instrument that has other contents");
-    CommandLine::addExamples(writeVerb,
-                             {"files write settings.bin", "files write new.bin --as settings.bin --overwrite"});
+    const auto writeVerb = line.addVerb(noun, "write", "Write a file into the instrument, read it back and compare",
+                                        [write](Session& session) { filesverbs::writeFile(session, *write); });
+    writeVerb.addWord("PATH", write->path, "The local file; '-' is standard input");
+    writeVerb.addOption("--as", "NAME", write->name, "Its name on the instrument [the last part of PATH]");
+    writeVerb.addFlag("--overwrite", write->overwrite, "Replace a file of the instrument that has other contents");
+    writeVerb.addExamples({"files write settings.bin", "files write new.bin --as settings.bin --overwrite"});
 
     const auto remove = std::make_shared<filesverbs::DeleteOptions>();
-    auto& deleteVerb = line.addVerb(noun, "delete", "Delete a file from the instrument, after asking",
-                                    [remove](Session& session) { filesverbs::deleteFile(session, *remove); });
-    deleteVerb.add_option("NAME", remove->name, "The file's name on the instrument")->required();
+    const auto deleteVerb = line.addVerb(noun, "delete", "Delete a file from the instrument, after asking",
+                                         [remove](Session& session) { filesverbs::deleteFile(session, *remove); });
+    deleteVerb.addWord("NAME", remove->name, "The file's name on the instrument");
     remove->confirmation.addTo(deleteVerb);
-    CommandLine::addExamples(deleteVerb, {"files delete settings.bin", "files delete settings.bin --yes"});
+    deleteVerb.addExamples({"files delete settings.bin", "files delete settings.bin --yes"});
 }
 
 void FilesCommand::tour(Tour& tour)

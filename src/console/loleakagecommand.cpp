@@ -66,8 +66,8 @@ CommandLine::Run switchTo(bool enabled)
 
 void LoLeakageCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("lo-leakage", "The local-oscillator leakage function");
-    CommandLine::addExamples(noun, {"lo-leakage show", "lo-leakage on"});
+    const auto noun = line.addNoun("lo-leakage", "The local-oscillator leakage function");
+    noun.addExamples({"lo-leakage show", "lo-leakage on"});
     line.addVerb(noun, "show", "Show whether it is on", &show);
     line.addVerb(noun, "on", "Switch it on", switchTo(true));
     line.addVerb(noun, "off", "Switch it off", switchTo(false));

@@ -27,28 +27,24 @@ double temperatureOf(const Instrument& instrument)
 
 } // namespace
 
-void MeasurementOptions::addTo(CLI::App& command)
+void MeasurementOptions::addTo(Command command)
 {
-    command
-        .add_option_function<double>(
-            "--value",
-            [this](double temperature) {
-                if (!std::isfinite(temperature))
-                    throw CLI::ValidationError{"--value", "a temperature in degrees Celsius is a finite number"};
-                m_temperature = temperature;
-            },
-            "The instrument's temperature during the measurement, in degrees Celsius [as it is now]")
-        ->type_name("X");
-    command
-        .add_option_function<std::string>(
-            "--time",
-            [this](const std::string& text) {
-                m_time = parseTime(text);
-                if (!m_time)
-                    throw CLI::ValidationError{"--time", "'" + text + "' is not a time such as 2026-11-21T10:00:00Z"};
-            },
-            "When it was measured, in UTC, for example 2026-11-21T10:00:00Z [now]")
-        ->type_name("T");
+    const auto readTemperature = [this](const std::string& text) -> std::optional<std::string> {
+        bool isNumber = false;
+        m_temperature = QByteArray::fromStdString(text).toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(*m_temperature))
+            return fmt::format("'{}' is not a temperature in degrees Celsius such as 23.5", text);
+        return std::nullopt;
+    };
+    const auto readTime = [this](const std::string& text) -> std::optional<std::string> {
+        m_time = parseTime(text);
+        if (!m_time)
+            return fmt::format("'{}' is not a time such as 2026-11-21T10:00:00Z", text);
+        return std::nullopt;
+    };
+    command.addOption("--value", "X", readTemperature,
+                      "The instrument's temperature during the measurement, in degrees Celsius [as it is now]");
+    command.addOption("--time", "T", readTime, "When it was measured, in UTC, for example 2026-11-21T10:00:00Z [now]");
 }
 
 Measurement MeasurementOptions::obtain(const Instrument& instrument) const

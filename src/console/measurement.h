@@ -1,8 +1,7 @@
 #pragma once
 
+#include <console/command.h>
 #include <console/instrument.h>
-
-#include <CLI/CLI.hpp>
 
 #include <QDateTime>
 #include <QJsonObject>
@@ -22,7 +21,7 @@ struct Measurement {
 class MeasurementOptions {
 public:
     /// Adds them to a command.
-    void addTo(CLI::App& command);
+    void addTo(Command command);
 
     /// What was given; otherwise the present time, and the temperature that the instrument shows.
     /// Throws `Error` (`Usage`) when it shows none.

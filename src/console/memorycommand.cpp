@@ -11,32 +11,30 @@ namespace tarn::console {
 
 void MemoryCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("memory", "The instrument's non-volatile memory as a whole");
-    CommandLine::addExamples(noun, {"memory read -o backup.img", "memory write new.img", "memory check"});
+    const auto noun = line.addNoun("memory", "The instrument's non-volatile memory as a whole");
+    noun.addExamples({"memory read -o backup.img", "memory write new.img", "memory check"});
 
     const auto read = std::make_shared<memoryverbs::ReadOptions>();
-    auto& readVerb = line.addVerb(noun, "read", "Read the image that the memory holds",
-                                  [read](Session& session) { memoryverbs::readMemory(session, *read); });
-    readVerb.add_option("-o,--output", read->path, "Where to write it; '-' is standard output")
-        ->type_name("PATH")
-        ->required();
-    readVerb.add_flag("--overwrite", read->overwrite, "Replace a local file that has other contents");
-    CommandLine::addExamples(readVerb, {"memory read -o backup.img", "memory read -o - | sha256sum"});
+    const auto readVerb = line.addVerb(noun, "read", "Read the image that the memory holds",
+                                       [read](Session& session) { memoryverbs::readMemory(session, *read); });
+    readVerb.addRequiredOption("-o,--output", "PATH", read->path, "Where to write it; '-' is standard output");
+    readVerb.addFlag("--overwrite", read->overwrite, "Replace a local file that has other contents");
+    readVerb.addExamples({"memory read -o backup.img", "memory read -o - | sha256sum"});
 
     const auto write = std::make_shared<memoryverbs::WriteOptions>();
-    auto& writeVerb
+    const auto writeVerb
         = line.addVerb(noun, "write", "Write an image into the memory, after asking; read it back and compare",
                        [write](Session& session) { memoryverbs::writeMemory(session, *write); });
-    writeVerb.add_option("PATH", write->path, "The local file; '-' is standard input, with --yes")->required();
+    writeVerb.addWord("PATH", write->path, "The local file; '-' is standard input, with --yes");
     write->confirmation.addTo(writeVerb);
-    CommandLine::addExamples(writeVerb, {"memory write new.img", "memory write new.img --yes --json"});
+    writeVerb.addExamples({"memory write new.img", "memory write new.img --yes --json"});
 
     const auto confirmation = std::make_shared<Confirmation>();
-    auto& eraseVerb
+    const auto eraseVerb
         = line.addVerb(noun, "erase", "Erase the whole memory, after asking",
                        [confirmation](Session& session) { memoryverbs::eraseMemory(session, *confirmation); });
     confirmation->addTo(eraseVerb);
-    CommandLine::addExamples(eraseVerb, {"memory erase", "memory erase --yes"});
+    eraseVerb.addExamples({"memory erase", "memory erase --yes"});
 
     line.addVerb(noun, "check", "Have the memory checked against its own checksums", &memoryverbs::checkMemory);
 }

@@ -46,11 +46,10 @@ void expectAscending(const SourceFile& file, const FrequencyPlan& plan)
 
 } // namespace
 
-void addPlanOptions(CLI::App& verb, PlanOptions& options)
+void addPlanOptions(Command verb, PlanOptions& options)
 {
-    auto* const output = verb.add_option("-o,--output", options.path, "Write it into a plan file instead, for --plan");
-    output->type_name("PATH");
-    verb.add_flag("--overwrite", options.overwrite, "Replace a local file that has other contents")->needs(output);
+    verb.addOption("-o,--output", "PATH", options.path, "Write it into a plan file instead, for --plan");
+    verb.addFlag("--overwrite", options.overwrite, "Replace a local file that has other contents", "--output");
 }
 
 void showPlan(const Output& output, const FrequencyPlan& plan, const PlanOptions& options)
@@ -86,14 +85,14 @@ std::vector<double> examplePoints(const std::optional<std::string>& path)
     return pointsOf(plan);
 }
 
-CLI::App& addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
-                         std::function<std::string(std::vector<double>)> text)
+Command addExampleVerb(CommandLine& line, Command noun, const std::string& description,
+                       std::function<std::string(std::vector<double>)> text)
 {
     const auto plan = std::make_shared<std::optional<std::string>>();
-    auto& verb = line.addVerb(noun, "example", description, [plan, text = std::move(text)](Session& session) {
+    const auto verb = line.addVerb(noun, "example", description, [plan, text = std::move(text)](Session& session) {
         showExample(session, text(examplePoints(*plan)));
     });
-    verb.add_option("--plan", *plan, "For the points of the plan in this file instead of a few")->type_name("FILE");
+    verb.addOption("--plan", "FILE", *plan, "For the points of the plan in this file instead of a few");
     return verb;
 }
 

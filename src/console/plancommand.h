@@ -35,14 +35,14 @@ struct PlanOptions {
 void showPlan(const Output& output, const FrequencyPlan& plan, const PlanOptions& options);
 
 /// Adds the options of a `plan` command.
-void addPlanOptions(CLI::App& verb, PlanOptions& options);
+void addPlanOptions(Command verb, PlanOptions& options);
 
 /// Adds `plan`, which shows the frequency plan of `Control`.
 template <class Control>
-void addPlanVerb(CommandLine& line, CLI::App& noun)
+void addPlanVerb(CommandLine& line, Command noun)
 {
     const auto options = std::make_shared<PlanOptions>();
-    auto& verb = line.addVerb(
+    const auto verb = line.addVerb(
         noun, "plan", "Show the frequencies at which the instrument wants to be measured",
         [options](Session& session) { showPlan(session.output(), planOf<Control>(session.instrument()), *options); });
     addPlanOptions(verb, *options);
@@ -57,8 +57,8 @@ inline constexpr std::string_view planExample = "system-terms example-plan";
 
 /// Adds `example`, which prints `text(frequencies)`, a valid file: for the points of a plan, if it is
 /// given one. Needs no instrument.
-CLI::App& addExampleVerb(CommandLine& line, CLI::App& noun, const std::string& description,
-                         std::function<std::string(std::vector<double>)> text);
+Command addExampleVerb(CommandLine& line, Command noun, const std::string& description,
+                       std::function<std::string(std::vector<double>)> text);
 
 /// Prints an example.
 void showExample(Session& session, const std::string& text);

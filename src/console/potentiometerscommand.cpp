@@ -181,22 +181,22 @@ void writePotentiometer(Session& session, const WriteOptions& options)
 
 void PotentiometersCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("potentiometers", "The instrument's digital potentiometers");
-    CommandLine::addExamples(noun, {"potentiometers list", "potentiometers read 0", "potentiometers write 0 128"});
+    const auto noun = line.addNoun("potentiometers", "The instrument's digital potentiometers");
+    noun.addExamples({"potentiometers list", "potentiometers read 0", "potentiometers write 0 128"});
     line.addVerb(noun, "list", "List them: index, name and range", &listPotentiometers);
 
     const auto which = std::make_shared<std::string>();
-    auto& readVerb = line.addVerb(noun, "read", "Show the EEPROM value of a potentiometer",
-                                  [which](Session& session) { readPotentiometer(session, *which); });
-    readVerb.add_option("INDEX-or-NAME", *which, "Which; 'potentiometers list' shows them")->required();
+    const auto readVerb = line.addVerb(noun, "read", "Show the EEPROM value of a potentiometer",
+                                       [which](Session& session) { readPotentiometer(session, *which); });
+    readVerb.addWord("INDEX-or-NAME", *which, "Which; 'potentiometers list' shows them");
 
     const auto write = std::make_shared<WriteOptions>();
-    auto& writeVerb = line.addVerb(noun, "write", "Set a potentiometer, in RAM until the power goes",
-                                   [write](Session& session) { writePotentiometer(session, *write); });
-    writeVerb.add_option("INDEX-or-NAME", write->which, "Which; 'potentiometers list' shows them")->required();
-    writeVerb.add_option("VALUE", write->value, "The value, in steps: a whole decimal number")->required();
-    writeVerb.add_flag("--eeprom", write->eeprom, "Write the EEPROM instead, read it back and compare");
-    CommandLine::addExamples(writeVerb, {"potentiometers write 0 128", "potentiometers write 0 128 --eeprom"});
+    const auto writeVerb = line.addVerb(noun, "write", "Set a potentiometer, in RAM until the power goes",
+                                        [write](Session& session) { writePotentiometer(session, *write); });
+    writeVerb.addWord("INDEX-or-NAME", write->which, "Which; 'potentiometers list' shows them");
+    writeVerb.addWord("VALUE", write->value, "The value, in steps: a whole decimal number");
+    writeVerb.addFlag("--eeprom", write->eeprom, "Write the EEPROM instead, read it back and compare");
+    writeVerb.addExamples({"potentiometers write 0 128", "potentiometers write 0 128 --eeprom"});
 }
 
 void PotentiometersCommand::tour(Tour& tour)

@@ -101,16 +101,16 @@ void writeNumber(Session& session, const WriteOptions& options)
 
 void SerialCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("serial", "The instrument's serial number");
-    CommandLine::addExamples(noun, {"serial show", "serial write 20417"});
+    const auto noun = line.addNoun("serial", "The instrument's serial number");
+    noun.addExamples({"serial show", "serial write 20417"});
     line.addVerb(noun, "show", "Show the serial number", &show);
 
     const auto write = std::make_shared<WriteOptions>();
-    auto& verb = line.addVerb(noun, "write", "Write the serial number, after asking; read it back and compare",
-                              [write](Session& session) { writeNumber(session, *write); });
-    verb.add_option("NUMBER", write->number, "The new serial number, from 0 to 4294967295")->required();
+    const auto verb = line.addVerb(noun, "write", "Write the serial number, after asking; read it back and compare",
+                                   [write](Session& session) { writeNumber(session, *write); });
+    verb.addWord("NUMBER", write->number, "The new serial number, from 0 to 4294967295");
     write->confirmation.addTo(verb);
-    CommandLine::addExamples(verb, {"serial write 20417", "serial write 20417 --yes"});
+    verb.addExamples({"serial write 20417", "serial write 20417 --yes"});
 }
 
 void SerialCommand::tour(Tour& tour)

@@ -3,13 +3,16 @@
 #include <console/confirmation.h>
 #include <console/localfile.h>
 #include <console/measurement.h>
+#include <console/number.h>
 #include <console/plancommand.h>
 #include <console/termsfile.h>
 
 #include <QJsonObject>
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace tarn::console {
 
@@ -109,32 +112,36 @@ void showOverride(Session& session)
 
 void SystemTermsCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("system-terms", "The system error terms that the instrument stores");
-    CommandLine::addExamples(noun,
-                             {"system-terms plan", "system-terms plan -o plan.json",
-                              "system-terms example --plan plan.json > terms.json", "system-terms write terms.json"});
+    const auto noun = line.addNoun("system-terms", "The system error terms that the instrument stores");
+    noun.addExamples({"system-terms plan", "system-terms plan -o plan.json",
+                      "system-terms example --plan plan.json > terms.json", "system-terms write terms.json"});
     addPlanVerb<Control>(line, noun);
     line.addVerb(noun, "override", "Show whether terms can be written for another plan than the instrument's own",
                  &showOverride);
 
     const auto options = std::make_shared<WriteOptions>();
-    auto& verb = line.addVerb(noun, "write", "Write error terms, after asking",
-                              [options](Session& session) { write(session, *options); });
-    verb.add_option("FILE", options->path, "The terms (JSON); '-' is standard input, with --yes")->required();
-    verb.add_option("--plan", options->planPath, "The plan (JSON) that they are for [the instrument's own]")
-        ->type_name("FILE");
+    const auto verb = line.addVerb(noun, "write", "Write error terms, after asking",
+                                   [options](Session& session) { write(session, *options); });
+    verb.addWord("FILE", options->path, "The terms (JSON); '-' is standard input, with --yes");
+    verb.addOption("--plan", "FILE", options->planPath, "The plan (JSON) that they are for [the instrument's own]");
     options->measurement.addTo(verb);
     options->confirmation.addTo(verb);
-    CommandLine::addExamples(
-        verb, {"system-terms write terms.json", "system-terms write terms.json --plan plan.json --value 23.5 --yes"});
+    verb.addExamples(
+        {"system-terms write terms.json", "system-terms write terms.json --plan plan.json --value 23.5 --yes"});
 
     const auto ports = std::make_shared<std::uint32_t>(2);
-    auto& example = addExampleVerb(line, noun, "Print valid error terms", [ports](std::vector<double> frequencies) {
-        return termsFileText(exampleTerms(*ports, std::move(frequencies)));
-    });
-    example.add_option("--ports", *ports, fmt::format("Of how many ports [{}]", *ports))
-        ->type_name("N")
-        ->check(CLI::Range(1U, mostPorts));
+    const auto example
+        = addExampleVerb(line, noun, "Print valid error terms", [ports](std::vector<double> frequencies) {
+              return termsFileText(exampleTerms(*ports, std::move(frequencies)));
+          });
+    const auto read = [ports](const std::string& text) -> std::optional<std::string> {
+        const auto number = parseNumber<std::uint32_t>(text);
+        if (!number || *number < 1 || *number > mostPorts)
+            return fmt::format("'{}' is not a number of ports from 1 to {}", text, mostPorts);
+        *ports = *number;
+        return std::nullopt;
+    };
+    example.addOption("--ports", "N", read, fmt::format("Of how many ports, {} at most [{}]", mostPorts, *ports));
     line.addVerb(noun, "example-plan", "Print a valid plan, for --plan",
                  [](Session& session) { showExample(session, planFileText(examplePlan())); });
 }

@@ -87,18 +87,18 @@ void watch(Session& session, const WatchOptions& options)
 
 void TemperatureCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("temperature", "The temperatures of the instrument and its modules");
-    CommandLine::addExamples(noun, {"temperature show", "temperature watch --interval 1s"});
+    const auto noun = line.addNoun("temperature", "The temperatures of the instrument and its modules");
+    noun.addExamples({"temperature show", "temperature watch --interval 1s"});
     line.addVerb(noun, "show", "Show the last measurement, in degrees Celsius", &show);
 
     const auto options = std::make_shared<WatchOptions>();
-    auto& verb = line.addVerb(noun, "watch",
-                              "Show every measurement as it is made, until Ctrl-C; waits while the instrument is away",
-                              [options](Session& session) { watch(session, *options); });
+    const auto verb = line.addVerb(
+        noun, "watch", "Show every measurement as it is made, until Ctrl-C; waits while the instrument is away",
+        [options](Session& session) { watch(session, *options); });
     addCountOption(verb, options->count, "End after so many readings");
     addIntervalOption(verb, options->interval,
                       "Show at most one reading in this time, for example 500ms; a day at most");
-    CommandLine::addExamples(verb, {"temperature watch", "temperature watch --count 10 --interval 1s --json"});
+    verb.addExamples({"temperature watch", "temperature watch --count 10 --interval 1s --json"});
 }
 
 void TemperatureCommand::tour(Tour& tour)

@@ -188,15 +188,15 @@ void Tour::line(std::string_view text) const
 
 void TourCommand::addTo(CommandLine& line)
 {
-    auto& verb = line.addVerb(
-        "tour", "Walk through every control of the instrument and show what it does", [](Session& session) {
-            const auto& source = session.provider();
-            if (source.isSimulated && hasDropOption(source))
-                session.setAddress(restless(session.address()));
-            Tour{session}.run();
-        });
-    CommandLine::addExamples(verb, {"tour", "--address drop-every=3,seed=7 tour", "--json tour"});
-    verb.footer(footer + verb.get_footer());
+    const auto verb = line.addVerb("tour", "Walk through every control of the instrument and show what it does",
+                                   [](Session& session) {
+                                       const auto& source = session.provider();
+                                       if (source.isSimulated && hasDropOption(source))
+                                           session.setAddress(restless(session.address()));
+                                       Tour{session}.run();
+                                   });
+    verb.addExamples({"tour", "--address drop-every=3,seed=7 tour", "--json tour"});
+    verb.addHelp(footer);
 }
 
 } // namespace tarn::console

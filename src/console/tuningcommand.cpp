@@ -28,49 +28,47 @@ std::string purposeText(const Setting& setting)
 
 /// Puts a list of names, each with its purpose, before what ends the help of `command`.
 template <class Items>
-void addList(CLI::App& command, std::string_view heading, const Items& items)
+void addList(Command command, std::string_view heading, const Items& items)
 {
     std::string list = fmt::format("\n{}:\n", heading);
     for (const auto& item : items)
         list += fmt::format("  {:<32}{}\n", item.name, purposeText(item));
-    command.footer(list + command.get_footer());
+    command.addHelp(list);
 }
 
-void addExample(CLI::App& command, const Tuning& tuning, std::string_view words)
+void addExample(Command command, const Tuning& tuning, std::string_view words)
 {
-    CommandLine::addExamples(command, {fmt::format("{} {}", tuning.name, words)});
+    command.addExamples({fmt::format("{} {}", tuning.name, words)});
 }
 
 /// Has the words after `verb` completed.
-void addCandidates(CommandLine& line, const CLI::App& verb, const Tuning& tuning)
+void addCandidates(CommandLine& line, Command verb, const Tuning& tuning)
 {
-    line.addCandidates(verb, [&tuning, name = verb.get_name()](std::span<const std::string> given) {
+    line.addCandidates(verb, [&tuning, name = verb.name()](std::span<const std::string> given) {
         std::vector<std::string> words{name};
         words.insert(words.end(), given.begin(), given.end());
         return tuning.candidates(words);
     });
 }
 
-void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
+void addSettingVerbs(CommandLine& line, Command noun, const Tuning& tuning)
 {
     line.addVerb(noun, "show", "Show all settings with their units and limits",
                  [&tuning](Session& session) { tuningverbs::show(session, tuning); });
 
     const auto name = std::make_shared<std::string>();
-    auto& get = line.addVerb(noun, "get", "Show the value of a setting",
-                             [&tuning, name](Session& session) { tuningverbs::get(session, tuning, *name); });
-    get.add_option("NAME", *name, "The setting")->required();
+    const auto get = line.addVerb(noun, "get", "Show the value of a setting",
+                                  [&tuning, name](Session& session) { tuningverbs::get(session, tuning, *name); });
+    get.addWord("NAME", *name, "The setting");
     addCandidates(line, get, tuning);
     addExample(get, tuning, fmt::format("get {}", tuning.settings.front().name));
     addList(get, "Settings", tuning.described());
 
     const auto words = std::make_shared<std::vector<std::string>>();
-    auto& set = line.addVerb(noun, "set", "Change settings, read them back and compare",
-                             [&tuning, words](Session& session) { tuningverbs::set(session, tuning, *words); });
-    set.add_option_function<std::vector<std::string>>(
-           "NAME-and-VALUE", [words](const std::vector<std::string>& given) { *words = given; },
-           "The setting and its value: a name, a number, or a number with its unit; then more of them")
-        ->required();
+    const auto set = line.addVerb(noun, "set", "Change settings, read them back and compare",
+                                  [&tuning, words](Session& session) { tuningverbs::set(session, tuning, *words); });
+    set.addWords("NAME-and-VALUE", *words,
+                 "The setting and its value: a name, a number, or a number with its unit; then more of them");
     addCandidates(line, set, tuning);
     addExample(set, tuning, fmt::format("set {}", tuning.example));
     auto changeable = tuning.described();
@@ -78,13 +76,14 @@ void addSettingVerbs(CommandLine& line, CLI::App& noun, const Tuning& tuning)
     addList(set, "Settings", changeable);
 }
 
-void addLoad(CommandLine& line, CLI::App& noun, const Tuning& tuning)
+void addLoad(CommandLine& line, Command noun, const Tuning& tuning)
 {
     const auto options = std::make_shared<tuningverbs::LoadOptions>();
-    auto& load = line.addVerb(noun, "load", "Replace a table of the instrument, after asking",
-                              [&tuning, options](Session& session) { tuningverbs::load(session, tuning, *options); });
-    load.add_option("TABLE", options->table, "The table")->required();
-    load.add_option("FILE", options->path, "The local file with its bytes; '-' is standard input")->required();
+    const auto load
+        = line.addVerb(noun, "load", "Replace a table of the instrument, after asking",
+                       [&tuning, options](Session& session) { tuningverbs::load(session, tuning, *options); });
+    load.addWord("TABLE", options->table, "The table");
+    load.addWord("FILE", options->path, "The local file with its bytes; '-' is standard input");
     options->confirmation.addTo(load);
     addCandidates(line, load, tuning);
     addExample(load, tuning, fmt::format("load {} table.bin", tuning.tables.front().name));
@@ -96,10 +95,10 @@ struct WatchOptions {
     std::chrono::microseconds interval = std::chrono::seconds{1};
 };
 
-void addWatch(CommandLine& line, CLI::App& noun, const Tuning& tuning)
+void addWatch(CommandLine& line, Command noun, const Tuning& tuning)
 {
     const auto options = std::make_shared<WatchOptions>();
-    auto& watch = line.addVerb(
+    const auto watch = line.addVerb(
         noun, "watch", "Show all settings, then each change, until Ctrl-C; waits while the instrument is away",
         [&tuning, options](Session& session) { watchTuning(session, tuning, options->interval, options->count); });
     addCountOption(watch, options->count, "End after so many lines, the first one with all settings");
@@ -111,9 +110,8 @@ void addWatch(CommandLine& line, CLI::App& noun, const Tuning& tuning)
 
 void addTuningCommands(CommandLine& line, const Tuning& tuning)
 {
-    auto& noun = line.addNoun(std::string{tuning.name}, std::string{tuning.description});
-    CommandLine::addExamples(
-        noun, {fmt::format("{} show", tuning.name), fmt::format("{} set {}", tuning.name, tuning.example)});
+    const auto noun = line.addNoun(std::string{tuning.name}, std::string{tuning.description});
+    noun.addExamples({fmt::format("{} show", tuning.name), fmt::format("{} set {}", tuning.name, tuning.example)});
     addSettingVerbs(line, noun, tuning);
     if (!tuning.tables.empty())
         addLoad(line, noun, tuning);

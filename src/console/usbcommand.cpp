@@ -176,19 +176,17 @@ void writeIdentity(Session& session, const WriteOptions& options)
 
 void UsbCommand::addTo(CommandLine& line)
 {
-    auto& noun = line.addNoun("usb", "The identity that the instrument shows on the USB");
-    CommandLine::addExamples(noun, {"usb show", "usb list", "usb write 'Pell 102'"});
+    const auto noun = line.addNoun("usb", "The identity that the instrument shows on the USB");
+    noun.addExamples({"usb show", "usb list", "usb write 'Pell 102'"});
     line.addVerb(noun, "show", "Show the identity", &show);
     line.addVerb(noun, "list", "List the identities that the instrument can be given; '*' is the present one", &list);
 
     const auto write = std::make_shared<WriteOptions>();
-    auto& verb = line.addVerb(noun, "write", "Write another identity, after asking; read it back and compare",
-                              [write](Session& session) { writeIdentity(session, *write); });
-    verb.add_option("IDENTITY", write->identity,
-                    "VENDOR:PRODUCT in hexadecimal, or the model's name; one of 'usb list'")
-        ->required();
+    const auto verb = line.addVerb(noun, "write", "Write another identity, after asking; read it back and compare",
+                                   [write](Session& session) { writeIdentity(session, *write); });
+    verb.addWord("IDENTITY", write->identity, "VENDOR:PRODUCT in hexadecimal, or the model's name; one of 'usb list'");
     write->confirmation.addTo(verb);
-    CommandLine::addExamples(verb, {"usb write 'Pell 102'", "usb write 'Pell 102' --yes"});
+    verb.addExamples({"usb write 'Pell 102'", "usb write 'Pell 102' --yes"});
 }
 
 void UsbCommand::tour(Tour& tour)

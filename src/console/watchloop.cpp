@@ -141,35 +141,28 @@ void WatchLoop::onLifecycleChanged()
     });
 }
 
-void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description)
+void addCountOption(Command command, std::optional<std::uint64_t>& count, const std::string& description)
 {
-    command
-        .add_option_function<std::string>(
-            "--count",
-            [&count](const std::string& text) {
-                count = parseNumber<std::uint64_t>(text);
-                if (count.value_or(0) == 0)
-                    throw CLI::ValidationError{"--count", "'" + text + "' is not a whole number from 1"};
-            },
-            description)
-        ->type_name("N");
+    const auto read = [&count](const std::string& text) -> std::optional<std::string> {
+        count = parseNumber<std::uint64_t>(text);
+        if (count.value_or(0) == 0)
+            return fmt::format("'{}' is not a whole number from 1", text);
+        return std::nullopt;
+    };
+    command.addOption("--count", "N", read, description);
 }
 
-void addIntervalOption(CLI::App& command, std::chrono::microseconds& interval, const std::string& description)
+void addIntervalOption(Command command, std::chrono::microseconds& interval, const std::string& description)
 {
     static constexpr std::chrono::days longest{1}; // Qt's timers end after 24 days
-    command
-        .add_option_function<std::string>(
-            "--interval",
-            [&interval](const std::string& text) {
-                const auto length = utils::parseDuration(text);
-                if (!length || *length > longest)
-                    throw CLI::ValidationError{
-                        "--interval", "'" + text + "' is not a time such as 500ms, 2s or 1min, of a day at most"};
-                interval = *length;
-            },
-            description)
-        ->type_name("TIME");
+    const auto read = [&interval](const std::string& text) -> std::optional<std::string> {
+        const auto length = utils::parseDuration(text);
+        if (!length || *length > longest)
+            return fmt::format("'{}' is not a time such as 500ms, 2s or 1min, of a day at most", text);
+        interval = *length;
+        return std::nullopt;
+    };
+    command.addOption("--interval", "TIME", read, description);
 }
 
 } // namespace tarn::console

@@ -1,12 +1,11 @@
 #pragma once
 
+#include <console/command.h>
 #include <console/devicecall.h>
 #include <console/interruptguard.h>
 #include <console/lifecyclewatch.h>
 #include <console/output.h>
 #include <console/postbox.h>
-
-#include <CLI/CLI.hpp>
 
 #include <QEventLoop>
 #include <QJsonObject>
@@ -66,9 +65,9 @@ private:
 };
 
 /// Adds `--count` to a command that watches.
-void addCountOption(CLI::App& command, std::optional<std::uint64_t>& count, const std::string& description);
+void addCountOption(Command command, std::optional<std::uint64_t>& count, const std::string& description);
 
 /// Adds `--interval`, a day at most, to a command that watches.
-void addIntervalOption(CLI::App& command, std::chrono::microseconds& interval, const std::string& description);
+void addIntervalOption(Command command, std::chrono::microseconds& interval, const std::string& description);
 
 } // namespace tarn::console

@@ -1,5 +1,6 @@
 #include <console/completion.h>
 
+#include <CLI/CLI.hpp>
 #include <gmock/gmock.h>
 
 #include <optional>
