@@ -107,6 +107,8 @@ protected:
                 onceAdded();
         });
         ON_CALL(*mock, removeObserver).WillByDefault([this, registry = registered()](SdkObserver* observer) {
+            if (whenRemoving)
+                whenRemoving(observer);
             registry->remove(observer);
             if (whenRemoved)
                 whenRemoved(observer);
@@ -139,6 +141,7 @@ protected:
     FakeVna device;
     std::function<void(SdkObserver*)> whenAdded; ///< runs in every registration, before it is made
     std::function<void()> onceAdded; ///< runs in every registration, after it was made
+    std::function<void(SdkObserver*)> whenRemoving; ///< runs in every removal, before it is made
     std::function<void(SdkObserver*)> whenRemoved; ///< runs in every removal, after it was made
 
 private:

@@ -83,8 +83,13 @@ void SdkFactoryCorrectionControl::addObserver(Observer* observer)
 {
     if (!observer || m_observers.contains(observer))
         return;
-    const auto& adapter = m_observers.emplace(observer, std::make_unique<SdkObserverAdapter>(*observer)).first->second;
-    ifAvailable(m_control, &Sdk::addObserver, adapter.get());
+    const auto entry = m_observers.emplace(observer, std::make_unique<SdkObserverAdapter>(*observer)).first;
+    try {
+        ifAvailable(m_control, &Sdk::addObserver, entry->second.get());
+    } catch (...) {
+        m_observers.erase(entry);
+        throw;
+    }
 }
 
 void SdkFactoryCorrectionControl::removeObserver(Observer* observer)

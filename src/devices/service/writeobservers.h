@@ -5,11 +5,13 @@
 #include <devices/service/enummappings.h>
 #include <utils/mutex.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <list>
 #include <memory>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
 namespace tarn::devices::service {
 
@@ -25,7 +27,8 @@ public:
     using Observer = typename Control::Observer;
 
     /// Adds `observer` and registers it with the SDK, or leaves that to `attach` if the control is
-    /// unavailable. Does nothing for null and for an observer that is there already.
+    /// unavailable. Does nothing for null and for an observer that is there already. What the device throws
+    /// passes through; the observer has not been added then.
     void add(const ReacquiringControl<Sdk>& control, Observer* observer)
     {
         if (!observer)
@@ -33,46 +36,49 @@ public:
         const auto adapter = insert(*observer);
         if (!adapter)
             return;
-        if (const auto locked = control.lock()) {
-            registerWith(*locked, *adapter);
-            return;
+        try {
+            if (const auto locked = control.lock())
+                registerWith(*locked, *adapter);
+            else
+                flag(std::array{adapter}, false);
+        } catch (...) {
+            abandon(take(observer, adapter.get()));
+            throw;
         }
-        const utils::MutexLock lock{m_mutex};
-        if (const auto entry = m_entries.find(observer); entry != m_entries.end())
-            entry->second.isRegistered = false;
     }
 
     /// Removes `observer` and ends its registration. It may be called until this has returned, and not
-    /// any more then.
+    /// any more then. What the device throws passes through; the observer has been removed all the same.
     void remove(const ReacquiringControl<Sdk>& control, Observer* observer)
     {
-        const auto adapter = take(observer);
-        if (!adapter)
+        auto entry = take(observer);
+        if (!entry)
             return;
-        adapter->markRemoved();
-        ifAvailable(control, &Sdk::removeObserver, adapter.get());
-        adapter->silence();
+        auto& adapter = *entry.mapped().adapter.front();
+        adapter.markRemoved();
+        try {
+            ifAvailable(control, &Sdk::removeObserver, &adapter);
+        } catch (...) {
+            abandon(std::move(entry));
+            throw;
+        }
+        adapter.silence();
     }
 
-    /// Registers every observer that is not; does nothing while the control is unavailable.
+    /// Registers every observer that is not; does nothing while the control is unavailable. What the device
+    /// throws passes through; the observers that are left are registered by the next call.
     void attach(const ReacquiringControl<Sdk>& control)
     {
-        const auto locked = control.lock();
-        if (!locked)
-            return;
-        for (const auto& adapter : mark(true))
-            registerWith(*locked, *adapter);
+        if (const auto locked = control.lock())
+            forAllFlagged(true, [&](SdkObserverAdapter& adapter) { registerWith(*locked, adapter); });
     }
 
     /// Ends the registration of every observer that has one; does nothing while the control is
-    /// unavailable.
+    /// unavailable. What the device throws passes through; the next call goes on with those that are left.
     void detach(const ReacquiringControl<Sdk>& control)
     {
-        const auto locked = control.lock();
-        if (!locked)
-            return;
-        for (const auto& adapter : mark(false))
-            locked->removeObserver(adapter.get());
+        if (const auto locked = control.lock())
+            forAllFlagged(false, [&](SdkObserverAdapter& adapter) { locked->removeObserver(&adapter); });
     }
 
 private:
@@ -114,10 +120,14 @@ private:
         std::atomic<bool> m_isRemoved = false;
     };
 
+    using Adapters = std::list<std::shared_ptr<SdkObserverAdapter>>;
+
     struct ObserverEntry {
-        std::shared_ptr<SdkObserverAdapter> adapter; ///< shared with those who are calling the SDK
+        Adapters adapter; ///< one, shared with those who are calling the SDK
         bool isRegistered;
     };
+    using Entries = std::unordered_map<Observer*, ObserverEntry>;
+    using Entry = typename Entries::node_type;
 
     /// An observer that was removed meanwhile must not stay behind with the SDK.
     static void registerWith(Sdk& sdk, SdkObserverAdapter& adapter)
@@ -134,34 +144,75 @@ private:
         if (m_entries.contains(&observer))
             return nullptr;
         auto adapter = std::make_shared<SdkObserverAdapter>(observer);
-        m_entries.emplace(&observer, ObserverEntry{adapter, true});
+        m_entries.emplace(&observer, ObserverEntry{{adapter}, true});
         return adapter;
     }
 
-    /// The adapter of `observer`, whose entry goes; null if there is none.
-    [[nodiscard]] std::shared_ptr<SdkObserverAdapter> take(Observer* observer)
+    /// Takes the entry of `observer` out; empty if there is none, or if its adapter is another than `only`.
+    [[nodiscard]] Entry take(Observer* observer, const SdkObserverAdapter* only = nullptr)
     {
         const utils::MutexLock lock{m_mutex};
-        const auto entry = m_entries.extract(observer);
-        return entry ? entry.mapped().adapter : nullptr;
+        const auto entry = m_entries.find(observer);
+        if (entry == m_entries.end() || (only && entry->second.adapter.front().get() != only))
+            return {};
+        return m_entries.extract(entry);
     }
 
-    /// Flags every entry as registered or not, and returns the adapters of those whose flag that
-    /// changes.
-    [[nodiscard]] std::vector<std::shared_ptr<SdkObserverAdapter>> mark(bool isRegistered)
+    /// After an exception nobody knows whether the SDK has the adapter of `entry`: it is not passed on to any more,
+    /// but lives as long as this.
+    void abandon(Entry entry)
     {
-        std::vector<std::shared_ptr<SdkObserverAdapter>> changed;
+        if (!entry)
+            return;
+        auto& adapter = entry.mapped().adapter;
+        adapter.front()->markRemoved();
+        adapter.front()->silence();
         const utils::MutexLock lock{m_mutex};
-        changed.reserve(m_entries.size()); // so that no flag changes if memory runs out
-        for (auto& [observer, entry] : m_entries) {
-            if (std::exchange(entry.isRegistered, isRegistered) != isRegistered)
-                changed.push_back(entry.adapter);
+        m_abandoned.splice(m_abandoned.end(), adapter);
+    }
+
+    /// Flags every entry as registered or not, and calls `call` with the adapters of those whose flag that changes.
+    /// Those that an exception leaves over get their flag back.
+    template <class Call>
+    void forAllFlagged(bool isRegistered, Call call)
+    {
+        auto changed = mark(isRegistered);
+        try {
+            for (; !changed.empty(); changed.pop_front())
+                call(*changed.front());
+        } catch (...) {
+            flag(changed, !isRegistered);
+            throw;
         }
+    }
+
+    [[nodiscard]] Adapters mark(bool isRegistered)
+    {
+        const utils::MutexLock lock{m_mutex};
+        Adapters changed;
+        for (const auto& [observer, entry] : m_entries) { // before any flag changes, in case memory runs out
+            if (entry.isRegistered != isRegistered)
+                changed.push_back(entry.adapter.front());
+        }
+        for (auto& [observer, entry] : m_entries)
+            entry.isRegistered = isRegistered;
         return changed;
     }
 
+    /// Flags the entries that have one of `adapters`.
+    template <class Some>
+    void flag(const Some& adapters, bool isRegistered)
+    {
+        const utils::MutexLock lock{m_mutex};
+        for (auto& [observer, entry] : m_entries) {
+            if (std::ranges::find(adapters, entry.adapter.front()) != adapters.end())
+                entry.isRegistered = isRegistered;
+        }
+    }
+
     utils::Mutex m_mutex;
-    std::unordered_map<Observer*, ObserverEntry> m_entries TARN_GUARDED_BY(m_mutex);
+    Entries m_entries TARN_GUARDED_BY(m_mutex);
+    Adapters m_abandoned TARN_GUARDED_BY(m_mutex);
 };
 
 } // namespace tarn::devices::service

@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <system_error>
 #include <tuple>
@@ -144,6 +145,30 @@ TYPED_TEST(CalibrationLocks, AddingLocksTheMapThenTheHandleThenTheMapOnlyToClear
     EXPECT_EQ(locksOf([&] { this->missing.addObserver(&this->listener); }), map + notThere + map);
 }
 
+TYPED_TEST(CalibrationLocks, WhoFindsNoControlFlagsNoObserverThatWasAddedMeanwhile)
+{
+    std::shared_ptr<typename TestFixture::Control> current;
+    typename TestFixture::Adapter control{devices::ReacquiringControl<typename TestFixture::Sdk>{
+        [&] { return sdk::ControlHandle<typename TestFixture::Sdk>{current}; }}};
+    static std::function<void()> meanwhile;
+    static int passes = 0;
+    meanwhile = [&] {
+        control.removeObserver(&this->listener);
+        current = this->sdk;
+        control.addObserver(&this->listener);
+    };
+    passes = 2 * (map + notThere) + 1; // before each lock and after each unlock, until the flag would be cleared
+    MutexProbe::hook({.pass = [] {
+        if (--passes == 0)
+            meanwhile();
+    }});
+    control.addObserver(&this->listener);
+    MutexProbe::hook({});
+    ASSERT_NE(this->sdk->attached, nullptr);
+    control.onControlsAboutToBeReleased();
+    EXPECT_EQ(this->sdk->attached, nullptr);
+}
+
 TYPED_TEST(CalibrationLocks, RemovingLocksTheMapThenTheHandle)
 {
     EXPECT_EQ(locksOf([&] { this->offered.removeObserver(&this->listener); }), map);
@@ -188,6 +213,15 @@ TYPED_TEST(CalibrationLocks, AMutexThatFailsIsReported)
     MutexProbe::failAfter(0);
     EXPECT_THROW(this->offered.removeObserver(&this->listener), std::system_error);
     EXPECT_NE(this->sdk->attached, nullptr);
+
+    int heard = 0;
+    this->listener.heard = [&](auto) { ++heard; };
+    this->sdk->attached->onWriteProgressChanged(1);
+    EXPECT_EQ(heard, 1) << "it is there as before";
+    MutexProbe::failAfter(1);
+    EXPECT_THROW(this->offered.removeObserver(&this->listener), std::system_error);
+    this->sdk->attached->onWriteProgressChanged(1); // the SDK has not let go of it
+    EXPECT_EQ(heard, 1) << "it has been removed";
 }
 
 } // namespace

@@ -189,6 +189,11 @@ typename Contract::Operations calibrationOf(typename Contract::Operations operat
     using Adapter = typename Contract::Adapter;
     operations.push_back(
         Contract::asks("frequencyPlan", 2, [](Adapter& adapter) { return !adapter.frequencyPlan().empty(); }));
+    operations.push_back(Contract::does("addObserver", 2, [](Adapter& adapter) {
+        static Hearing<Adapter> listener;
+        adapter.removeObserver(&listener); // from the second time on
+        adapter.addObserver(&listener);
+    }));
     operations.push_back(Contract::does("an observer, through a release and a return", 5, [](Adapter& adapter) {
         static Hearing<Adapter> listener;
         adapter.addObserver(&listener);

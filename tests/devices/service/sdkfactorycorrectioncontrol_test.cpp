@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -434,12 +435,26 @@ TEST_F(SdkFactoryCorrectionControlTest, LetsExceptionsOfTheControlPass)
         const auto fail = [&](auto*) { std::rethrow_exception(exception); };
         EXPECT_CALL(*mock, addObserver).WillOnce(fail);
         EXPECT_EQ(thrownBy([&] { control->addObserver(&a); }), exception);
+        add(a);
         EXPECT_CALL(*mock, addObserver).WillOnce(fail);
         EXPECT_EQ(thrownBy([&] { control->onControlsAvailable(); }), exception);
         EXPECT_CALL(*mock, removeObserver).WillOnce(fail).WillOnce(fail);
         EXPECT_EQ(thrownBy([&] { control->onControlsAboutToBeReleased(); }), exception);
         EXPECT_EQ(thrownBy([&] { control->removeObserver(&a); }), exception);
     }
+}
+
+TEST_F(SdkFactoryCorrectionControlTest, AnObserverWhoseRegistrationThrowsHasNotBeenAdded)
+{
+    offer();
+    construct();
+    EXPECT_CALL(*mock, addObserver).WillOnce([](auto*) { throw std::runtime_error{"not added"}; });
+    EXPECT_THROW(control->addObserver(&a), std::runtime_error);
+    control->onControlsAvailable(); // the mock expects no call
+    EXPECT_THAT(journal, IsEmpty());
+    auto* const attached = add(a);
+    EXPECT_CALL(*mock, removeObserver(attached));
+    control->removeObserver(&a);
 }
 
 TEST(FactoryCorrectionSlots, StandInTheGivenOrder)

@@ -8,7 +8,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -281,17 +283,117 @@ TYPED_TEST(WriteObservers, AnObserverIsCalledOnTheThreadOfTheSdk)
     EXPECT_EQ(heardOn, notifiedOn);
 }
 
-TYPED_TEST(WriteObservers, AnExceptionOfTheSdkPassesUnchanged)
+TYPED_TEST(WriteObservers, AnObserverWhoseRegistrationThrowsHasNotBeenAdded)
 {
     for (const auto& exception : anyExceptions()) {
         this->offer();
         this->whenAdded = [&](auto* /*observer*/) { std::rethrow_exception(exception); };
         EXPECT_EQ(thrownBy([&] { this->control.addObserver(&this->a); }), exception);
         this->whenAdded = nullptr;
-        this->whenRemoved = [&](auto* /*observer*/) { std::rethrow_exception(exception); };
-        EXPECT_EQ(thrownBy([&] { this->control.onControlsAboutToBeReleased(); }), exception);
+        EXPECT_EQ(this->notify(), "");
+        this->drop();
+        this->offer();
+        this->control.onControlsAvailable();
+        EXPECT_EQ(this->registered()->count(), 0U);
+
+        this->control.addObserver(&this->a); // now it is
+        EXPECT_EQ(this->notify(), "a");
+        this->control.removeObserver(&this->a);
+        EXPECT_EQ(this->registered()->count(), 0U);
+    }
+}
+
+TYPED_TEST(WriteObservers, AnObserverThatTheSdkKeepsWhenItThrowsInTheRegistrationHearsNothing)
+{
+    this->offer();
+    this->onceAdded = [] { throw std::runtime_error{"added"}; };
+    EXPECT_THROW(this->control.addObserver(&this->a), std::runtime_error);
+    EXPECT_EQ(this->registered()->count(), 1U);
+    EXPECT_EQ(this->notify(), "");
+}
+
+TYPED_TEST(WriteObservers, AnObserverAddedAndRemovedByOthersWhileItsRegistrationThrowsStays)
+{
+    this->offer();
+    this->whenAdded = [this](auto* /*observer*/) {
+        this->whenAdded = nullptr;
+        this->control.removeObserver(&this->a);
+        this->control.addObserver(&this->a);
+        throw std::runtime_error{"not added"};
+    };
+    EXPECT_THROW(this->control.addObserver(&this->a), std::runtime_error);
+    EXPECT_EQ(this->notify(), "a");
+
+    this->whenAdded = [this](auto* /*observer*/) {
+        this->whenAdded = nullptr;
+        this->control.removeObserver(&this->b);
+        throw std::runtime_error{"not added"};
+    };
+    EXPECT_THROW(this->control.addObserver(&this->b), std::runtime_error);
+    EXPECT_EQ(this->notify(), "a");
+}
+
+TYPED_TEST(WriteObservers, AnObserverWhoseRemovalThrowsHearsNothingMore)
+{
+    for (const auto& exception : anyExceptions()) {
+        this->offer();
+        this->control.addObserver(&this->a);
+        this->whenRemoving = [&](auto* /*observer*/) { std::rethrow_exception(exception); };
         EXPECT_EQ(thrownBy([&] { this->control.removeObserver(&this->a); }), exception);
-        this->whenRemoved = nullptr;
+        this->whenRemoving = nullptr;
+        EXPECT_EQ(this->registered()->count(), 1U) << "the SDK has kept it";
+        EXPECT_EQ(this->notify(), "");
+        this->control.removeObserver(&this->a); // as one that is not there
+
+        this->control.addObserver(&this->a);
+        EXPECT_EQ(this->notify(), "a");
+        this->control.removeObserver(&this->a);
+    }
+}
+
+TYPED_TEST(WriteObservers, AnObserverWhoseRemovalCannotAskTheDeviceHasBeenRemoved)
+{
+    this->offer();
+    this->control.addObserver(&this->a);
+    this->drop();
+    this->device.whenAsked([](sdk::Key) { throw std::runtime_error{"no answer"}; });
+    EXPECT_THROW(this->control.removeObserver(&this->a), std::runtime_error);
+    this->device.whenAsked(nullptr);
+    this->offer();
+    this->control.onControlsAvailable();
+    EXPECT_EQ(this->registered()->count(), 0U);
+}
+
+TYPED_TEST(WriteObservers, ALifecycleNotificationThatThrowsIsFinishedByTheNext)
+{
+    for (const auto& exception : anyExceptions()) {
+        for (const int nth : {1, 2}) {
+            int calls = 0;
+            const auto fail = [&](auto* /*observer*/) {
+                if (++calls == nth)
+                    std::rethrow_exception(exception);
+            };
+            this->drop();
+            this->control.addObserver(&this->a);
+            this->control.addObserver(&this->b);
+            this->offer();
+            this->whenAdded = fail;
+            EXPECT_EQ(thrownBy([&] { this->control.onControlsAvailable(); }), exception);
+            this->whenAdded = nullptr;
+            this->control.onControlsAvailable();
+            EXPECT_EQ(this->registered()->count(), 2U);
+            EXPECT_EQ(this->notify(), "ab");
+
+            calls = 0;
+            this->whenRemoving = fail;
+            EXPECT_EQ(thrownBy([&] { this->control.onControlsAboutToBeReleased(); }), exception);
+            EXPECT_EQ(this->registered()->count(), static_cast<std::size_t>(3 - nth));
+            this->whenRemoving = nullptr;
+            this->control.onControlsAboutToBeReleased();
+            EXPECT_EQ(this->registered()->count(), 0U);
+            this->control.removeObserver(&this->a);
+            this->control.removeObserver(&this->b);
+        }
     }
 }
 
