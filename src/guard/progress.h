@@ -75,16 +75,19 @@ public:
     }
 
     /// From now on, until the device drops `control`, which is the same one each time. Calls that come at once may
-    /// register twice: nobody counts.
+    /// register twice: nobody counts. What the device throws then costs progress, and no more.
     template <class Control>
-    void observe(Control& control)
+    void observe(Control& control) noexcept
     {
         auto state = m_state.load();
         if (state != State::Unobserved)
             return;
-        control.addObserver(&m_listener);
-        if (!m_state.compare_exchange_strong(state, State::Observed) && state == State::Dropped)
-            control.removeObserver(&m_listener);
+        try {
+            control.addObserver(&m_listener);
+            if (!m_state.compare_exchange_strong(state, State::Observed) && state == State::Dropped)
+                control.removeObserver(&m_listener);
+        } catch (...) { // NOLINT(bugprone-empty-catch)
+        }
     }
 
     /// The device drops the control, and what observes it. Who observed it later would have to stop.

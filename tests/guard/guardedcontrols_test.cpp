@@ -8,6 +8,8 @@
 #include <support/mockpotentiometerscontrol.h>
 #include <support/success.h>
 
+#include <stdexcept>
+
 namespace tarn::guard {
 
 using sdk::service::IMemoryOperationsControl;
@@ -285,6 +287,16 @@ TEST_F(GuardedMemoryOperations, DoNotGoOnObservingWhatIsDroppedMeanwhile)
     EXPECT_CALL(*mock, removeObserver).WillOnce([&](Observer* removed) { EXPECT_EQ(removed, observer); });
     control()->erase([](std::error_code) { });
     EXPECT_NE(observer, nullptr);
+}
+
+TEST_F(GuardedMemoryOperations, NeedNoObserverForARequest)
+{
+    EXPECT_CALL(*mock, addObserver)
+        .WillOnce([](Observer* /*added*/) { throw std::runtime_error{"no observers"}; })
+        .WillOnce([](Observer* /*added*/) {}); // the next request tries again, and it is the last that has to
+    EXPECT_CALL(*mock, erase).Times(3).WillRepeatedly([](sdk::Completion<> done) { done({}); });
+    for (int i = 0; i != 3; ++i)
+        EXPECT_EQ(code([](IMemoryOperationsControl& control, auto done) { control.erase(done); }), success);
 }
 
 TEST_F(GuardedMemoryOperations, MayBeObservedTwiceAtOnce)
