@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace tarn::console {
@@ -165,14 +167,17 @@ void watch(Session& session, std::optional<std::uint64_t> count)
 {
     const auto& instrument = session.instrument();
     WatchLoop loop{instrument.lifecycle(), count, session.output()};
+    const auto controls = offered(instrument);
+    for (const auto& [number, registryKey] : controls)
+        instrument.awaitControl(registryKey);
+    std::optional<DeviceCall> call{std::in_place}; // also for reporters that another one's failure ends
     std::vector<std::shared_ptr<Handle>> handles;
     std::vector<std::unique_ptr<Reporter>> reporters;
-    for (const auto& [number, registryKey] : offered(instrument)) {
-        instrument.awaitControl(registryKey);
+    for (const auto& [number, registryKey] : controls) {
         const auto& handle = handles.emplace_back(instrument.control<Handle>(registryKey));
-        const DeviceCall call;
         reporters.push_back(std::make_unique<Reporter>(*handle, number, loop));
     }
+    call.reset();
     loop.run();
 }
 
