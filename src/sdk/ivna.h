@@ -18,10 +18,9 @@ namespace sdk {
 ///
 /// Notifications, those of the controls included, arrive on a thread of the device's own choosing,
 /// and the device holds no lock of its own while it delivers them. Those of the device itself come
-/// one at a time. Neither an operation of the
-/// device nor one of a control that has no completion delivers a notification or waits for one to
-/// be delivered, `removeObserver` excepted. What an observer throws ends with that observer: the
-/// others are notified all the same.
+/// one at a time. Neither an operation of the device nor one of a control that has no completion
+/// delivers a notification or waits for one to be delivered, `removeObserver` excepted. What an
+/// observer throws ends with that observer: the others are notified all the same.
 ///
 /// Once a control was dropped, none of the observers that were registered with it is being notified or
 /// will be. One that is registered later, with a control that is still in use, hears nothing while the

@@ -12,9 +12,9 @@ namespace sdk::service {
 
 /// The small file store in the instrument's non-volatile memory.
 ///
-/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
-/// for what a binding guarantees. Requests may be
-/// outstanding in any number and complete in any order.
+/// Threads: thread-safe; at once, but an operation whose request is completed before it returns takes as
+/// long as the request. A request reports its end through the completion; see `Completion` for what a
+/// binding guarantees. Requests may be outstanding in any number and complete in any order.
 ///
 /// Errors are reported as error codes whose `message()` is fit to be shown to an engineer. A request
 /// that ends with an error has left the files as they were: whoever implements this guarantees it.

@@ -12,9 +12,10 @@ namespace sdk::service {
 /// Operations on the instrument's non-volatile memory as a whole: the image, bytes from the first
 /// address to the last.
 ///
-/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
-/// for what a binding guarantees. Only one runs at a
-/// time; one that comes while another runs fails with an error code.
+/// Threads: thread-safe; at once, but an operation whose request is completed before it returns takes as
+/// long as the request. A request reports its end through the completion; see `Completion` for what a
+/// binding guarantees. Only one runs at a time; one that comes while another runs fails with an error
+/// code.
 class SDK_API IMemoryOperationsControl {
 public:
     static constexpr Key key{0x5d412bfd18b02258};

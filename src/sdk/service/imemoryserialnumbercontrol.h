@@ -8,8 +8,9 @@ namespace sdk::service {
 
 /// The serial number of the instrument, kept in its memory.
 ///
-/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
-/// for what a binding guarantees.
+/// Threads: thread-safe; at once, but an operation whose request is completed before it returns takes as
+/// long as the request. A request reports its end through the completion; see `Completion` for what a
+/// binding guarantees.
 class SDK_API IMemorySerialNumberControl {
 public:
     static constexpr Key key{0x5c028b97cc332087};

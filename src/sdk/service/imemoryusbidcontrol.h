@@ -14,8 +14,9 @@ namespace sdk::service {
 
 /// The USB identity that the instrument reports to a host, and those that it can be given.
 ///
-/// Threads: thread-safe; at once. The write reports its end through the completion; see `Completion`
-/// for what a binding guarantees.
+/// Threads: thread-safe; at once, but a write that is completed before `writeUsbId` returns makes that
+/// take as long. The write reports its end through the completion; see `Completion` for what a binding
+/// guarantees.
 class SDK_API IMemoryUsbIdControl {
 public:
     static constexpr Key key{0x8bba7f494ad7c259};

@@ -13,9 +13,10 @@ namespace sdk::service {
 /// The digital potentiometers of the instrument. Each has a value in RAM, which acts at once and
 /// is lost when the power goes, and one in EEPROM, which the RAM is loaded from at power-on.
 ///
-/// Threads: thread-safe; at once. A request reports its end through the completion; see `Completion`
-/// for what a binding guarantees. An index that is
-/// not a position in the list, or a value outside the potentiometer's range, is an error code.
+/// Threads: thread-safe; at once, but an operation whose request is completed before it returns takes as
+/// long as the request. A request reports its end through the completion; see `Completion` for what a
+/// binding guarantees. An index that is not a position in the list, or a value outside the
+/// potentiometer's range, is an error code.
 class SDK_API IPotentiometersControl {
 public:
     static constexpr Key key{0x88798a0ea0bfe22b};
