@@ -36,8 +36,8 @@ void ifAvailable(const ReacquiringControl<T>& control, Operation operation, Argu
         std::invoke(operation, *locked, std::forward<Arguments>(arguments)...);
 }
 
-/// As `ifAvailable`, for destructors: what goes wrong is nobody's to handle any more. A control
-/// that cannot be reached has no observer left to call.
+/// As `ifAvailable`, for destructors that call `removeObserver`, which never throws. What is swallowed
+/// is the failure of the question for the control or of the handle's mutex; the registration stays then.
 template <class T, class Operation, class... Arguments>
 void ifAvailableQuietly(const ReacquiringControl<T>& control, Operation operation, Arguments&&... arguments) noexcept
 {

@@ -40,18 +40,21 @@ public:
 signals:
     /// The status of a unit may have changed. After every new offer this comes first.
     ///
-    /// Threads: slots are called on a thread of the device, or on the receiver's own, with no lock held.
+    /// Threads: slots are called on a thread of the device, after a return of the controller on the
+    /// watcher's own, or on the receiver's own, with no lock held; after a return with the lifecycle
+    /// mutex held, if the watcher lives on the thread that brings it and the slot runs there.
     void unitStatusChanged();
 
     /// The saving of a unit has come this far. `percent` is rounded down, 0 while the total is
     /// unknown, and not limited to 100.
     ///
-    /// Threads: slots are called on the same threads, with no lock held.
+    /// Threads: slots are called on a thread of the device, or on the receiver's own, with no lock held.
     void saveProgressChanged(int percent);
 
     /// The list of units may have changed. After every new offer this comes second.
     ///
-    /// Threads: slots are called on the same threads, with no lock held.
+    /// Threads: slots are called on the same threads as those of `unitStatusChanged()`, with the same
+    /// mutex held.
     void configurationChanged();
 
 private:
