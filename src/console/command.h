@@ -14,7 +14,7 @@ class App;
 namespace tarn::console {
 
 /// A noun or a verb of the command line, to say what it takes. Copies are the same command. What its words are read
-/// into must live as long as the command line does.
+/// into, and what a `Read` captures by reference, must live as long as the command line does.
 class Command {
 public:
     /// Takes what was given; says what is wrong with it, or nothing.
@@ -42,11 +42,12 @@ public:
     void addRequiredOption(const std::string& name, const std::string& kind, std::string& value,
                            const std::string& description) const;
 
-    /// Adds an option without a value, which means nothing without the option `needed`, if that is named.
+    /// Adds an option without a value, which means nothing without the option `needed`, if that is named: it
+    /// must have been added before.
     void addFlag(const std::string& name, bool& isGiven, const std::string& description,
                  const std::string& needed = {}) const;
 
-    /// Ends the help with examples, each without the program's name.
+    /// Puts examples, each without the program's name, before what ends the help.
     void addExamples(std::initializer_list<std::string_view> examples) const;
 
     /// Puts `text` before what ends the help.
