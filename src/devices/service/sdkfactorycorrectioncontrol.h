@@ -71,7 +71,8 @@ public:
     /// Adds `observer`, not owned, whether or not the instrument offers the control. Null, and an
     /// observer that was added already, change nothing. It stays through any number of drops and
     /// offers; after each new offer it is told that the supported and then that the valid
-    /// corrections may have changed.
+    /// corrections may have changed. If the instrument throws, that passes through, and `observer` has
+    /// not been added.
     ///
     /// Threads: bound to `InstrumentControls::undisturbed`; calls through.
     void addObserver(Observer* observer);

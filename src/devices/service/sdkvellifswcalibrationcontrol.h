@@ -105,11 +105,14 @@ public:
     /// observer that was added already, change nothing. It stays through any number of drops and
     /// offers. If the control returns in the very moment in which it was found missing, the observer
     /// may hear only of the next one; `InstrumentControls::undisturbed` keeps that from happening.
+    ///
+    /// If the instrument throws, that passes through, and `observer` has not been added.
     void addObserver(Observer* observer);
 
     /// Removes `observer`, whether or not the instrument offers the control. Once this has returned
     /// it is not called any more, except by a notification that the calling thread itself is in the
-    /// middle of.
+    /// middle of. If the instrument throws, that passes through, and `observer` has been removed all
+    /// the same.
     ///
     /// Threads: thread-safe; blocks while a notification of `observer` runs on another thread.
     void removeObserver(Observer* observer);
