@@ -7,6 +7,8 @@
 
 #include <QByteArray>
 
+#include <optional>
+
 namespace tarn::fuzz {
 
 /// A refusal of a calibration file says where in the file, what was found and what was expected, in a few words that
@@ -26,14 +28,19 @@ template <class Read, class Write, class IsWithinLimits>
 void readCalibrationFile(std::string_view bytes, Read read, Write write, IsWithinLimits isWithinLimits)
 {
     static const console::SourceFile file{"a file", "an example"};
-    try {
-        const auto data = read(file, QByteArray{bytes.data(), static_cast<qsizetype>(bytes.size())});
-        require(isWithinLimits(data), "what was read is within the limits");
-        const auto text = write(data);
-        require(read(file, QByteArray::fromStdString(text)) == data, "it is the same when it is read again");
-    } catch (const console::Error& error) {
-        requireExplanation(error);
-    }
+    const auto accepted = [read](const QByteArray& text) -> std::optional<decltype(read(file, text))> {
+        try {
+            return read(file, text);
+        } catch (const console::Error& error) {
+            requireExplanation(error);
+            return std::nullopt;
+        }
+    };
+    const auto data = accepted(QByteArray{bytes.data(), static_cast<qsizetype>(bytes.size())});
+    if (!data)
+        return;
+    require(isWithinLimits(*data), "what was read is within the limits");
+    require(accepted(QByteArray::fromStdString(write(*data))) == data, "it is the same when it is read again");
 }
 
 } // namespace tarn::fuzz
