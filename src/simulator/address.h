@@ -15,6 +15,8 @@ namespace tarn::simulator {
 struct SimulatorAddress {
     QString name;
     Settings settings;
+
+    friend bool operator==(const SimulatorAddress&, const SimulatorAddress&) = default;
 };
 
 /// The instrument of an address that gives no name.

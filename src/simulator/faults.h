@@ -34,6 +34,8 @@ struct FaultPlan {
     std::uint64_t unplugEvery = 0; ///< the instrument is unplugged in the middle of every Nth long operation
     bool writeProtect = false; ///< the memory device refuses to be written and erased
     bool corrupt = false; ///< at switch-on, bits of the image in the memory device have flipped
+
+    friend bool operator==(const FaultPlan&, const FaultPlan&) = default;
 };
 
 /// What an operation throws when it is to throw.

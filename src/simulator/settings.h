@@ -24,6 +24,8 @@ struct Settings {
     FaultPlan faults;
     std::optional<std::uint32_t> memorySize; ///< of the memory device, in bytes, if it is to change: whole sectors
     double speed = 1000.0; ///< how much faster than real memory the memory device is; may be infinite
+
+    friend bool operator==(const Settings&, const Settings&) = default;
 };
 
 /// What real memory takes `time` for, in the memory device of `settings`.
