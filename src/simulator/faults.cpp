@@ -61,6 +61,12 @@ Faults::Decision Faults::nextLongOperation()
     return decide(&Faults::longOperation);
 }
 
+int Faults::hanging() const
+{
+    const utils::MutexLock lock{m_mutex};
+    return m_hanging;
+}
+
 bool Faults::isWriteProtected() const
 {
     const utils::MutexLock lock{m_mutex};
@@ -73,9 +79,8 @@ Faults::Decision Faults::decide(Decision (Faults::*decision)())
     {
         const utils::MutexLock lock{m_mutex};
         decided = (this->*decision)();
-        const auto released = m_released;
-        while (decided.hangs && m_released == released)
-            m_hanging.wait(m_mutex);
+        if (decided.hangs)
+            hang();
     }
     if (m_arbiter)
         m_arbiter(decided);
@@ -123,10 +128,19 @@ Faults::Decision Faults::next()
     return decision;
 }
 
+void Faults::hang()
+{
+    const auto released = m_released;
+    ++m_hanging;
+    while (m_released == released)
+        m_release.wait(m_mutex);
+    --m_hanging;
+}
+
 void Faults::letGo()
 {
     ++m_released;
-    m_hanging.notify_all();
+    m_release.notify_all();
 }
 
 bool Faults::happens(double chance)

@@ -87,6 +87,9 @@ public:
     [[nodiscard]] Decision nextRequest();
     [[nodiscard]] Decision nextLongOperation();
 
+    /// How many operations hang now.
+    [[nodiscard]] int hanging() const;
+
     /// Whether the memory device refuses to be changed now.
     [[nodiscard]] bool isWriteProtected() const;
 
@@ -95,6 +98,7 @@ private:
     [[nodiscard]] Decision next() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision request() TARN_REQUIRES(m_mutex);
     [[nodiscard]] Decision longOperation() TARN_REQUIRES(m_mutex);
+    void hang() TARN_REQUIRES(m_mutex);
     void letGo() TARN_REQUIRES(m_mutex);
     [[nodiscard]] bool happens(double chance) TARN_REQUIRES(m_mutex);
 
@@ -106,7 +110,8 @@ private:
     std::uint64_t m_requests TARN_GUARDED_BY(m_mutex) = 0;
     std::uint64_t m_longOperations TARN_GUARDED_BY(m_mutex) = 0;
     std::uint64_t m_released TARN_GUARDED_BY(m_mutex) = 0; ///< how often those that hang were
-    std::condition_variable_any m_hanging;
+    int m_hanging TARN_GUARDED_BY(m_mutex) = 0;
+    std::condition_variable_any m_release;
 };
 
 } // namespace tarn::simulator
