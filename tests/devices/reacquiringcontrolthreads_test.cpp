@@ -1,5 +1,7 @@
 #include <devices/reacquiringcontrol.h>
 
+#include <support/watchdog.h>
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -107,6 +109,7 @@ TEST(ReacquiringControlThreads, AllGetAStrongHandleWhenTheDeviceYieldsTheControl
 
 TEST(ReacquiringControlThreads, AHandleIsWholeWhileTheDeviceDropsAndOffersControls)
 {
+    const Watchdog watchdog;
     std::mutex mutex;
     std::shared_ptr<Control> offered = std::make_shared<Control>(7);
     const auto offer = [&](std::shared_ptr<Control> next) {
@@ -117,20 +120,23 @@ TEST(ReacquiringControlThreads, AHandleIsWholeWhileTheDeviceDropsAndOffersContro
         const std::scoped_lock lock{mutex};
         return Handle{offered};
     }};
+    std::atomic<bool> isOver{false};
+    std::atomic<int> whole{0};
     std::atomic<int> wrong{0};
     {
         std::vector<std::jthread> users;
         for (int i = 0; i != 2; ++i)
             users.emplace_back([&] {
-                for (int round = 0; round != 2000; ++round) {
-                    if (const auto locked = control.lock(); locked && *locked != 7)
-                        ++wrong;
+                while (!isOver) {
+                    if (const auto locked = control.lock())
+                        ++(*locked == 7 ? whole : wrong);
                 }
             });
-        for (int round = 0; round != 1000; ++round) {
+        for (int round = 0; round < 1000 || whole + wrong < 1000; ++round) {
             offer(nullptr);
             offer(std::make_shared<Control>(7));
         }
+        isOver = true;
     }
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(control.lock().owner, offered);
