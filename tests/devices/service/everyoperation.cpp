@@ -147,9 +147,10 @@ typename Contract::Operations observersOf(typename Contract::Operations operatio
 
 struct SerialNumber : Plain<sdks::IMemorySerialNumberControl, SdkSerialNumberControl, PlainMemorySerialNumberControl> {
     static constexpr auto name = "SerialNumber";
+    using Observed = ISerialNumberControl;
     static Operations operations()
     {
-        return observersOf<Plain, ISerialNumberControl>(
+        return observersOf<Plain, Observed>(
             {asks("serialNumber", 2, [](Adapter& adapter) { return adapter.serialNumber().has_value(); }),
              asks("writeSerialNumber", 2, [](Adapter& adapter) { return adapter.writeSerialNumber(1).has_value(); })});
     }
@@ -158,9 +159,10 @@ struct SerialNumber : Plain<sdks::IMemorySerialNumberControl, SdkSerialNumberCon
 struct MemoryOperations
     : Plain<sdks::IMemoryOperationsControl, SdkMemoryOperationsControl, PlainMemoryOperationsControl> {
     static constexpr auto name = "MemoryOperations";
+    using Observed = IMemoryOperationsControl;
     static Operations operations()
     {
-        return observersOf<Plain, IMemoryOperationsControl>(
+        return observersOf<Plain, Observed>(
             {asks("read", 2, [](Adapter& adapter) { return adapter.read().has_value(); }),
              asks("write", 2, [](Adapter& adapter) { return adapter.write(std::vector<std::byte>(3)).has_value(); }),
              asks("erase", 2, [](Adapter& adapter) { return adapter.erase().has_value(); }),
@@ -170,10 +172,11 @@ struct MemoryOperations
 
 struct SystemTerms : Plain<sdks::ISystemTermsControl, SdkSystemTermsControl, PlainSystemTermsControl> {
     static constexpr auto name = "SystemTerms";
+    using Observed = ISystemTermsControl;
     static vna::ErrorTerms terms() { return {2, {1.0, 2.0}}; }
     static Operations operations()
     {
-        return observersOf<Plain, ISystemTermsControl>(
+        return observersOf<Plain, Observed>(
             {asks("frequencyPlan", 2, [](Adapter& adapter) { return !adapter.frequencyPlan().empty(); }),
              asks("isFrequencyOverrideSupported", 2, &Adapter::isFrequencyOverrideSupported),
              does("requestWriteTerms", 2, [](Adapter& adapter) { adapter.requestWriteTerms({}, 1.0, terms()); }),
@@ -182,7 +185,7 @@ struct SystemTerms : Plain<sdks::ISystemTermsControl, SdkSystemTermsControl, Pla
     }
 };
 
-/// What the two calibration controls do with an observer, through a release and a return.
+/// What the two calibration controls do with an observer, and with that of the bench, through a release and a return.
 template <class Contract>
 typename Contract::Operations calibrationOf(typename Contract::Operations operations)
 {
@@ -194,7 +197,7 @@ typename Contract::Operations calibrationOf(typename Contract::Operations operat
         adapter.removeObserver(&listener); // from the second time on
         adapter.addObserver(&listener);
     }));
-    operations.push_back(Contract::does("an observer, through a release and a return", 5, [](Adapter& adapter) {
+    operations.push_back(Contract::does("an observer, through a release and a return", 7, [](Adapter& adapter) {
         static Hearing<Adapter> listener;
         adapter.addObserver(&listener);
         adapter.onControlsAboutToBeReleased();
@@ -207,6 +210,7 @@ typename Contract::Operations calibrationOf(typename Contract::Operations operat
 struct VellIfsw
     : Plain<sdks::IVellIfswCalibrationControl, SdkVellIfswCalibrationControl, PlainVellIfswCalibrationControl> {
     static constexpr auto name = "VellIfswCalibration";
+    using Observed = Adapter;
     static Operations operations()
     {
         return calibrationOf<Plain>({does("saveCalibrationData", 2, [](Adapter& adapter) {
@@ -219,6 +223,7 @@ struct VellIfsw
 struct VellPower : Plain<sdks::IVellFactoryPowerCalibrationControl, SdkVellFactoryPowerCalibrationControl,
                          PlainVellFactoryPowerCalibrationControl> {
     static constexpr auto name = "VellFactoryPowerCalibration";
+    using Observed = Adapter;
     static Operations operations()
     {
         return calibrationOf<Plain>(
@@ -229,25 +234,7 @@ struct VellPower : Plain<sdks::IVellFactoryPowerCalibrationControl, SdkVellFacto
 struct FactoryCorrections
     : Plain<sdk::IFactoryCorrectionControl, SdkFactoryCorrectionControl, PlainFactoryCorrectionControl> {
     static constexpr auto name = "FactoryCorrections";
-
-    struct Ears final : Adapter::Observer {
-        explicit Ears(int& count)
-            : heard{count}
-        {
-        }
-        void onSupportedChanged() override { ++heard; }
-        void onValidChanged() override { ++heard; }
-        void onEnabledChanged(devices::FactoryCorrection /*correction*/, bool /*enabled*/) override { ++heard; }
-        int& heard;
-    };
-
-    static std::shared_ptr<void> listen(Adapter& adapter, int& heard)
-    {
-        auto ears = std::make_shared<Ears>(heard);
-        adapter.addObserver(ears.get());
-        return ears;
-    }
-
+    using Observed = Adapter;
     static Operations operations()
     {
         constexpr auto system = devices::FactoryCorrection::System;
@@ -320,10 +307,7 @@ struct CalibrationWatcher : Plain<ICalibrationController, WatchedController, Pla
     static constexpr auto name = "CalibrationWatcher";
     static constexpr auto key = Sdk::secondKey;
     static constexpr bool isBoundToThread = true;
-    static std::shared_ptr<void> listen(Adapter& adapter, int& heard)
-    {
-        return std::make_shared<SignalCounter>(adapter.watcher, heard);
-    }
+    static QObject& sender(Adapter& adapter) { return adapter.watcher; }
     static Operations operations()
     {
         return {
@@ -364,15 +348,30 @@ void forEachType(testing::Types<Types...> /*types*/, Call call)
     (call(std::type_identity<Types>{}), ...);
 }
 
-template <class Contract>
-std::shared_ptr<void> listen(typename Contract::Adapter& adapter, int& heard)
+std::function<int()> signalsOf(QObject& sender)
 {
-    if constexpr (requires { Contract::listen(adapter, heard); })
-        return Contract::listen(adapter, heard);
-    else if constexpr (std::is_base_of_v<QObject, typename Contract::Adapter>)
-        return std::make_shared<SignalCounter>(adapter, heard);
-    else
-        return nullptr;
+    const auto count = std::make_shared<int>(0);
+    return [count, ears = std::make_shared<SignalCounter>(sender, *count)] { return *count; };
+}
+
+/// Listens to an adapter. Tells how often it has emitted a signal or told an observer something.
+template <class Contract>
+std::function<int()> listen(typename Contract::Adapter& adapter)
+{
+    if constexpr (requires { typename Contract::Observed; }) {
+        const auto ears = std::make_shared<Hearing<typename Contract::Observed>>();
+        if constexpr (requires { adapter.addObserver(ears.get()); })
+            adapter.addObserver(ears.get());
+        else
+            adapter.addObserver(*ears);
+        return [ears] { return ears->heard.all.load(); };
+    } else if constexpr (requires { Contract::sender(adapter); }) {
+        return signalsOf(Contract::sender(adapter));
+    } else if constexpr (std::is_base_of_v<QObject, typename Contract::Adapter>) {
+        return signalsOf(adapter);
+    } else {
+        return [] { return 0; };
+    }
 }
 
 template <class Contract>
@@ -402,7 +401,7 @@ public:
         if constexpr (requires { Contract::prepare(m_bench.adapter); })
             Contract::prepare(m_bench.adapter);
     }
-    [[nodiscard]] int heard() const override { return m_heard; }
+    [[nodiscard]] int heard() const override { return m_heard(); }
     [[nodiscard]] int sdkCalls() const override { return m_bench.sdkCalls; }
     [[nodiscard]] bool isBoundToThread() const override
     {
@@ -411,10 +410,9 @@ public:
 
 private:
     const Op m_operation;
-    int m_heard = 0;
     ContractBench<Contract> m_bench{m_operation};
     std::weak_ptr<typename Contract::Mock> m_control = m_bench.first;
-    std::shared_ptr<void> m_listening = listen<Contract>(m_bench.adapter, m_heard);
+    std::function<int()> m_heard = listen<Contract>(m_bench.adapter);
 };
 
 } // namespace
