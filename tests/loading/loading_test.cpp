@@ -50,16 +50,19 @@ void expectFlat(const std::function<void()>& cycle)
 {
     constexpr int warmUps = 100;
     constexpr int cycles = 1000;
-    constexpr std::size_t lessThanABlockEach = 24 * cycles;
+    const bool isSanitized = __sanitizer_get_current_allocated_bytes != nullptr;
+    // Less than a block in each cycle; but for each static object of a library that is destroyed at the end, the
+    // address sanitizer leaves entries in the list of what is done at exit.
+    const std::size_t mayStay = (isSanitized ? 2048 : 24) * cycles;
     // For the heap, which may have grown; that of a sanitizer does so in many small steps.
-    const qsizetype heapMappings = __sanitizer_get_current_allocated_bytes ? cycles / 10 : 2;
+    const qsizetype heapMappings = isSanitized ? cycles / 10 : 2;
     for (int i = 0; i != warmUps; ++i)
         cycle();
     const Footprint before;
     for (int i = 0; i != cycles; ++i)
         cycle();
     const Footprint after;
-    EXPECT_LT(after.bytes, before.bytes + lessThanABlockEach);
+    EXPECT_LT(after.bytes, before.bytes + mayStay);
     EXPECT_EQ(after.files, before.files);
     EXPECT_LE(threadsDownTo(before.threads), before.threads);
     EXPECT_EQ(after.mappedFiles, before.mappedFiles);
