@@ -24,7 +24,7 @@ QString textOf(std::string_view what, const std::string& bytes)
 /// Where a provider may keep what must last.
 QString stateFolder(const std::optional<std::string>& option)
 {
-    const auto chosen = textOf("state folder", option.value_or(qgetenv("TARN_SERVICE_STATE").toStdString()));
+    auto chosen = textOf("state folder", option.value_or(qgetenv("TARN_SERVICE_STATE").toStdString()));
     if (option && chosen.isEmpty())
         throw Error{ErrorCode::Usage, "--state needs a folder", "name one, or 'none' to keep nothing"};
     if (chosen == QLatin1StringView{"none"})
