@@ -1,0 +1,113 @@
+// One notification of the device, handed on to 1 to 10,000 observers: by the adapter's list, and by other ways to tell
+// many.
+
+#include "fakes.h"
+#include "ways.h"
+
+#include <devices/service/sdkserialnumbercontrol.h>
+
+#include <QObject>
+
+#include <boost/signals2/signal.hpp>
+
+#include <cstddef>
+#include <initializer_list>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tarn::benchmarks {
+namespace {
+
+using Sdk = sdk::service::IMemorySerialNumberControl;
+using Adapter = devices::service::SdkSerialNumberControl;
+using devices::service::Progress;
+
+class SerialNumber final : public Sdk {
+public:
+    bool isAvailable() override { return true; }
+    void serialNumber(sdk::Completion<unsigned int> done) override { done(0, {}); }
+    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> done) override { done({}); }
+    void addObserver(Observer* observer) override { attached = observer; }
+    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
+
+    Observer* attached = nullptr; ///< the adapter's
+};
+
+/// Emits a signal.
+class Sender final : public QObject {
+    Q_OBJECT
+
+Q_SIGNALS:
+    void progressChanged(const tarn::devices::service::Progress& progress);
+};
+
+class Receiver final : public QObject {
+    Q_OBJECT
+
+public Q_SLOTS:
+    void onProgressChanged(const tarn::devices::service::Progress& progress) { m_heard += progress.done; }
+
+private:
+    unsigned int m_heard = 0;
+};
+
+/// Observers of every kind, so many of each.
+struct Audience {
+    explicit Audience(std::size_t size)
+    {
+        for (std::size_t i = 0; i != size; ++i) {
+            auto& ear = *ears.emplace_back(makeEars());
+            adapter->addObserver(ear);
+            pointers.push_back(&ear);
+            boostSignal.connect([&ear](const Progress& progress) { ear.onWriteProgressChanged(progress); });
+            receivers.push_back(std::make_unique<Receiver>());
+            QObject::connect(&sender, &Sender::progressChanged, receivers.back().get(), &Receiver::onProgressChanged,
+                             Qt::DirectConnection);
+        }
+    }
+
+    std::vector<std::unique_ptr<Adapter::IObserver>> ears;
+    std::vector<std::unique_ptr<Receiver>> receivers;
+    std::shared_ptr<SerialNumber> control = std::make_shared<SerialNumber>();
+    std::shared_ptr<Adapter> adapter = std::make_shared<Adapter>(
+        devices::ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{std::shared_ptr<Sdk>{control}}; }});
+    std::mutex mutex;
+    std::vector<Adapter::IObserver*> pointers;
+    Sender sender;
+    boost::signals2::signal<void(const Progress&)> boostSignal;
+};
+
+[[gnu::noinline]] void tellAll(const std::vector<Adapter::IObserver*>& observers, const Progress& progress)
+{
+    for (auto* const observer : observers)
+        observer->onWriteProgressChanged(progress);
+}
+
+void addAll()
+{
+    for (const auto size : std::initializer_list<std::size_t>{1, 10, 100, 10'000}) {
+        const auto row = "progress to " + std::to_string(size);
+        const auto audience = std::make_shared<Audience>(size);
+        add(row, "library", [audience] { audience->control->attached->onWriteProgressChanged(1, 2); });
+        add(row, "lock and raw loop", [audience] {
+            const std::scoped_lock lock{audience->mutex};
+            tellAll(audience->pointers, {2, 1});
+        });
+        add(row, "raw loop", [audience] { tellAll(audience->pointers, {2, 1}); });
+        add(row, "Qt direct connection", [audience] { Q_EMIT audience->sender.progressChanged({2, 1}); });
+        add(row, "boost::signals2", [audience] { audience->boostSignal({2, 1}); });
+    }
+}
+
+} // namespace
+} // namespace tarn::benchmarks
+
+int main(int argc, char** argv)
+{
+    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+}
+
+#include "observers.moc"
