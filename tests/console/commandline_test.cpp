@@ -223,11 +223,7 @@ TEST_F(CommandLineTest, AnAddressThatIsNotUtf8IsRefused)
     for (const auto& [command, refusal] :
          {std::pair{"--address $'\\xff' controls", foreign}, std::pair{"--address $'\\xff' tour", foreign},
           std::pair{"--address $'\\xef\\xbb\\xbfprofile=pell' controls", marked}}) {
-        QProcess shell;
-        prepare(shell, {QStringLiteral("-c"), QStringLiteral(TARN_SERVICE_PROGRAM " ") + QString::fromUtf8(command)});
-        shell.setProgram(QStringLiteral("bash"));
-        shell.start();
-        const auto outcome = finish(shell);
+        const auto outcome = runInShell(command);
         EXPECT_EQ(outcome.exitCode, 2) << command;
         EXPECT_THAT(outcome.err.toStdString(), HasSubstr(refusal));
         EXPECT_THAT(outcome.err.toStdString(), HasSubstr("name one that is spelled in UTF-8"));

@@ -76,6 +76,15 @@ Outcome ConsoleTest::run(const QStringList& arguments, const QByteArray& input)
     return finish(process);
 }
 
+Outcome ConsoleTest::runInShell(const char* words)
+{
+    QProcess shell;
+    prepare(shell, {QStringLiteral("-c"), QStringLiteral(TARN_SERVICE_PROGRAM " ") + QString::fromUtf8(words)});
+    shell.setProgram(QStringLiteral("bash"));
+    shell.start();
+    return finish(shell);
+}
+
 Outcome ConsoleTest::runAwkward(const QString& address, const QStringList& arguments, const QByteArray& input)
 {
     return run(awkward(address) + arguments, input);

@@ -49,6 +49,9 @@ protected:
     /// Runs the program to its end with `input` on its standard input, which is no terminal.
     Outcome run(const QStringList& arguments, const QByteArray& input = {});
 
+    /// The same with the words that bash makes of `words`, among them such that are no text.
+    Outcome runInShell(const char* words);
+
     /// The same for an instrument of the test's own provider.
     Outcome runAwkward(const QString& address, const QStringList& arguments, const QByteArray& input = {});
 

@@ -103,11 +103,7 @@ TEST_F(HostileNamesTest, ANameThatIsNotUtf8IsAUsageError)
     writeLocal(QStringLiteral("a"), "x");
     for (const auto* const command :
          {"files read $'\\xff'", "files delete --yes $'\\xff'", "files write a --as $'\\xff'"}) {
-        QProcess shell;
-        prepare(shell, {QStringLiteral("-c"), QStringLiteral(TARN_SERVICE_PROGRAM " ") + QString::fromUtf8(command)});
-        shell.setProgram(QStringLiteral("bash"));
-        shell.start();
-        const auto outcome = finish(shell);
+        const auto outcome = runInShell(command);
         EXPECT_EQ(outcome.exitCode, 2) << command;
         EXPECT_THAT(outcome.err.toStdString(), HasSubstr("is not UTF-8\n"));
         EXPECT_THAT(outcome.err.toStdString(), HasSubstr("--as NAME"));
