@@ -6,7 +6,6 @@
 #include <utils/mutex.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <list>
 #include <memory>
@@ -40,7 +39,7 @@ public:
             if (const auto locked = control.lock())
                 registerWith(*locked, *adapter);
             else
-                flag(std::array{adapter}, false);
+                leaveToAttach(observer, *adapter);
         } catch (...) {
             abandon(take(observer, adapter.get()));
             throw;
@@ -148,14 +147,28 @@ private:
         return adapter;
     }
 
+    /// The entry of `observer`, unless its adapter is another than `only`.
+    [[nodiscard]] auto find(Observer* observer, const SdkObserverAdapter* only) TARN_REQUIRES(m_mutex)
+    {
+        const auto entry = m_entries.find(observer);
+        const bool isMeant = entry != m_entries.end() && (!only || entry->second.adapter.front().get() == only);
+        return isMeant ? entry : m_entries.end();
+    }
+
     /// Takes the entry of `observer` out; empty if there is none, or if its adapter is another than `only`.
     [[nodiscard]] Entry take(Observer* observer, const SdkObserverAdapter* only = nullptr)
     {
         const utils::MutexLock lock{m_mutex};
-        const auto entry = m_entries.find(observer);
-        if (entry == m_entries.end() || (only && entry->second.adapter.front().get() != only))
-            return {};
-        return m_entries.extract(entry);
+        const auto entry = find(observer, only);
+        return entry == m_entries.end() ? Entry{} : m_entries.extract(entry);
+    }
+
+    /// Flags `observer` as not registered, unless others have removed `adapter` meanwhile.
+    void leaveToAttach(Observer* observer, const SdkObserverAdapter& adapter)
+    {
+        const utils::MutexLock lock{m_mutex};
+        if (const auto entry = find(observer, &adapter); entry != m_entries.end())
+            entry->second.isRegistered = false;
     }
 
     /// After an exception nobody knows whether the SDK has the adapter of `entry`: it is not passed on to any more,
@@ -165,7 +178,6 @@ private:
         if (!entry)
             return;
         auto& adapter = entry.mapped().adapter;
-        adapter.front()->markRemoved();
         adapter.front()->silence();
         const utils::MutexLock lock{m_mutex};
         m_abandoned.splice(m_abandoned.end(), adapter);
@@ -200,8 +212,7 @@ private:
     }
 
     /// Flags the entries that have one of `adapters`.
-    template <class Some>
-    void flag(const Some& adapters, bool isRegistered)
+    void flag(const Adapters& adapters, bool isRegistered)
     {
         const utils::MutexLock lock{m_mutex};
         for (auto& [observer, entry] : m_entries) {
