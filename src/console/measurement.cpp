@@ -4,6 +4,8 @@
 #include <console/text.h>
 #include <devices/service/sdktemperaturecontrol.h>
 
+#include <QByteArray>
+
 #include <fmt/format.h>
 
 #include <cmath>

@@ -78,7 +78,7 @@ const ProviderCatalogue& Session::providers()
 const ProviderCatalogue::Loaded& Session::provider()
 {
     const auto& catalogue = providers();
-    if (const auto* const found = catalogue.find(QString::fromStdString(m_options.provider)))
+    if (const auto* const found = catalogue.find(textOf("provider", m_options.provider)))
         return *found;
     QStringList names;
     for (const auto& loaded : catalogue.loaded())

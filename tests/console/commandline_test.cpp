@@ -216,13 +216,14 @@ TEST_F(CommandLineTest, AStateFolderThatIsNotUtf8IsRefusedAndNotMade)
     EXPECT_EQ(localNames(), QStringList{});
 }
 
-TEST_F(CommandLineTest, AnAddressThatIsNotUtf8IsRefused)
+TEST_F(CommandLineTest, AnAddressOrAProviderThatIsNotUtf8IsRefused)
 {
     const auto* const foreign = "the address '\uFFFD' is not UTF-8\n";
     const auto* const marked = "profile=pell' starts with a byte order mark\n";
     for (const auto& [command, refusal] :
          {std::pair{"--address $'\\xff' controls", foreign}, std::pair{"--address $'\\xff' tour", foreign},
-          std::pair{"--address $'\\xef\\xbb\\xbfprofile=pell' controls", marked}}) {
+          std::pair{"--address $'\\xef\\xbb\\xbfprofile=pell' controls", marked},
+          std::pair{"--provider $'\\xef\\xbb\\xbfsimulator' controls", "simulator' starts with a byte order mark\n"}}) {
         const auto outcome = runInShell(command);
         EXPECT_EQ(outcome.exitCode, 2) << command;
         EXPECT_THAT(outcome.err.toStdString(), HasSubstr(refusal));
