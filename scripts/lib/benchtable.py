@@ -21,7 +21,9 @@ def medians(files):
 
 
 def verdict(goal, ways):
-    """The ratio, and whether the goal was met."""
+    """The ratio, and whether the goal was met; no ratio if it was not measured."""
+    if "library" not in ways or goal["against"] not in ways:
+        return None, False
     time, allocations = ways["library"]
     peer_time, peer_allocations = ways[goal["against"]]
     ratio = time / peer_time
@@ -52,10 +54,11 @@ def main():
     met = 0
     table = []
     for goal in goals:
-        ratio, is_met = verdict(goal, rows[goal["row"]])
+        ratio, is_met = verdict(goal, rows.get(goal["row"], {}))
         met += is_met
         table.append({**goal, "measured": ratio, "met": is_met})
-        print(f"{goal['row']:<40} {goal['against']:<24} {ratio:>8.3f} {goal['ratio']:>8.3f}  "
+        shown = "not run" if ratio is None else f"{ratio:.3f}"
+        print(f"{goal['row']:<40} {goal['against']:<24} {shown:>8} {goal['ratio']:>8.3f}  "
               f"{'met' if is_met else 'MISSED'}")
 
     if arguments.json:
