@@ -15,7 +15,8 @@ namespace tarn::guard {
 /// look at any of them at any time.
 ///
 /// Those who hold a call are its caller, while the operation has not returned, the copies of the completion that the
-/// device has, and who calls the caller's completion. Once there are none the call is free again.
+/// device has, and who calls the caller's completion, unless that is within the operation. Once there are none the call
+/// is free again.
 class Call {
 public:
     Call() = default;
@@ -50,19 +51,24 @@ protected:
     /// completion that it is about to make.
     void prepare(const std::shared_ptr<Host>& host, sdk::Key control, std::string_view operation);
 
-    /// The device completes the request: `step` calls the caller's completion, unless the request has ended.
+    /// The device completes the request: `step` calls the caller's completion, unless the request has ended. Within the
+    /// operation nothing is left to do afterwards: the caller, further up on this stack, holds the call, and is the
+    /// only one who may wait for the end of `step`.
     template <class Step>
     void complete(Step step)
     {
-        if (claim(Phase::Completing, holder))
-            end(step);
-        else
-            reportCompletion();
+        if (isWithinOperation(m_state.load(std::memory_order_relaxed))) {
+            if (claim(Phase::Completed))
+                return step();
+        } else if (claim(Phase::Completing, holder)) {
+            return end(step);
+        }
+        reportCompletion();
     }
 
 private:
-    /// How far the request has come. Each phase in which somebody calls the caller's completion is followed by the one
-    /// in which that is over.
+    /// How far the request has come. `Completing` and `TimingOut` are those whose end an exception has to wait for:
+    /// each is followed by the one in which the caller's completion has been called.
     enum class Phase : std::uint8_t { Idle, Pending, Threw, Dropped, Completing, Completed, TimingOut, TimedOut };
 
     /// Everything that threads compete for in one word: from the lowest bit on the phase, whether the operation is

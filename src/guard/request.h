@@ -94,12 +94,7 @@ private:
     };
 
     /// The caller's completion, which goes when it has been called, whatever the device keeps.
-    [[nodiscard]] Done taken()
-    {
-        Done done;
-        done.swap(m_done);
-        return done;
-    }
+    [[nodiscard]] Done taken() { return std::exchange(m_done, nullptr); }
 
     void fail(std::error_code error) override
     {

@@ -233,6 +233,7 @@ TEST_F(GuardBehaviours, WaitsForARunningCompletionBeforeItLetsAnExceptionThrough
     }),
                  std::runtime_error);
     EXPECT_TRUE(isOver);
+    EXPECT_THAT(breaches->breaches(), ElementsAre(Breach::CompletedAndThrew));
 }
 
 TEST_F(GuardBehaviours, BearsACompletionFromTheControlsDestructor)

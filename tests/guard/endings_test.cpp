@@ -136,6 +136,68 @@ TEST_F(GuardEndings, TheCallersCompletionMayLeadToTheEndOfTheDevices)
     EXPECT_THAT(breaches->breaches(), IsEmpty());
 }
 
+TEST_F(GuardEndings, TheCallersCompletionMayLeadToTheEndOfTheDevicesWithinTheOperation)
+{
+    std::unique_ptr<FilesDone> kept;
+    int requests = 0;
+    offer([&](FilesDone done) {
+        const bool isFirst = ++requests == 1;
+        kept = std::make_unique<FilesDone>(std::move(done));
+        (*kept)(someFiles, {});
+        if (isFirst)
+            throw std::runtime_error{"device"};
+    });
+    int first = 0;
+    std::error_code second = std::make_error_code(std::errc::no_message);
+    EXPECT_THROW(control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
+        ++first;
+        kept.reset();
+        control()->fileList([&](const Files& /*files*/, std::error_code code) { second = code; });
+    }),
+                 std::runtime_error);
+    EXPECT_EQ(first, 1);
+    EXPECT_EQ(second, std::error_code{});
+    EXPECT_THAT(breaches->await(0), ElementsAre(is(Breach::CompletedAndThrew, 1)));
+}
+
+TEST_F(GuardEndings, ACompletionOnAnotherThreadDuringTheCallersCompletionIsOneTooMany)
+{
+    FilesDone kept;
+    offer([&](const FilesDone& done) {
+        kept = done;
+        done(someFiles, {});
+    });
+    int completed = 0;
+    control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
+        ++completed;
+        std::jthread{[&] {
+            kept({}, {});
+            kept = nullptr;
+        }}.join();
+    });
+    EXPECT_EQ(completed, 1);
+    EXPECT_THAT(breaches->await(0), ElementsAre(is(Breach::CompletedAgain, 2)));
+}
+
+TEST_F(GuardEndings, ACompletionWithinTheOperationDuringTheReportOfATimeOutIsALateOne)
+{
+    const auto observer = std::make_shared<ActingLog>();
+    guarded = tarn::guard::guarded(device, {shortLimit, observer});
+    std::promise<void> reported;
+    std::promise<void> goOn;
+    offer([&](const FilesDone& done) {
+        reported.get_future().wait();
+        done(someFiles, {}); // waits for nobody
+        goOn.set_value();
+    });
+    observer->atTimeOut = [&] {
+        reported.set_value();
+        goOn.get_future().wait();
+    };
+    EXPECT_EQ(fileList().code, Error::TimedOut);
+    EXPECT_THAT(observer->log.await(2), ElementsAre(is(Breach::NotReturned, 0), is(Breach::CompletedLate, 1)));
+}
+
 TEST_F(GuardEndings, ACompletionBeforeAThrowIsCountedOnce)
 {
     offer([&](const FilesDone& done) {
