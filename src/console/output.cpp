@@ -51,6 +51,16 @@ std::string written(const QJsonValue& value)
     return json;
 }
 
+/// Whether standard output took what was written to it.
+void check(std::error_code error)
+{
+    if (error == std::errc::broken_pipe)
+        throw OutputClosed{};
+    if (error)
+        throw Error{ErrorCode::LocalFile, fmt::format("cannot write to standard output: {}", error.message()),
+                    "check where standard output goes"};
+}
+
 } // namespace
 
 Output::Output(const OutputOptions& options, std::string command)
@@ -63,40 +73,39 @@ Output::Output(const OutputOptions& options, std::string command)
 
 void Output::result(const QJsonValue& json, std::string_view text) const
 {
+    if (const auto words = resultWords(json, text); !words.empty())
+        data(words);
+}
+
+std::string Output::resultWords(const QJsonValue& json, std::string_view text) const
+{
     if (m_options.json)
-        data(envelope("result", json));
-    else if (!text.empty())
-        data(fmt::format("{}{}", text, text.ends_with('\n') ? "" : "\n"));
+        return envelope("result", json);
+    return text.empty() || text.ends_with('\n') ? std::string{text} : std::string{text} + '\n';
 }
 
 void Output::done(const QJsonValue& json, std::string_view text) const
 {
     if (m_options.json)
-        data(envelope("result", json));
+        data(resultWords(json, text));
     else
         message(text);
 }
 
 void Output::part(const QJsonValue& json, std::string_view text) const
 {
-    result(json, text);
-    platform::yieldOutput();
+    if (const auto words = resultWords(json, text); !words.empty())
+        check(platform::writePart(words));
 }
 
 void Output::progress(const QJsonValue& json) const
 {
-    data(envelope("progress", json));
-    platform::yieldOutput();
+    check(platform::writePart(envelope("progress", json)));
 }
 
 void Output::data(std::string_view bytes) const // NOLINT(readability-convert-member-functions-to-static)
 {
-    const auto error = platform::write(platform::Stream::Output, bytes);
-    if (error == std::errc::broken_pipe)
-        throw OutputClosed{};
-    if (error)
-        throw Error{ErrorCode::LocalFile, fmt::format("cannot write to standard output: {}", error.message()),
-                    "check where standard output goes"};
+    check(platform::write(platform::Stream::Output, bytes));
 }
 
 void Output::message(std::string_view text) const

@@ -114,6 +114,7 @@ public:
     [[nodiscard]] std::string paint(Style style, std::string_view text) const;
 
 private:
+    [[nodiscard]] std::string resultWords(const QJsonValue& json, std::string_view text) const;
     [[nodiscard]] platform::Stream lastWordsStream() const;
     [[nodiscard]] platform::LastWords lastWords(std::string_view about, const std::string& hint) const;
     [[nodiscard]] std::string textWarning(std::string_view text) const;

@@ -5,10 +5,12 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <condition_variable>
 #include <csignal>
 #include <cstdio>
+#include <mutex>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -80,16 +82,68 @@ private:
     int m_descriptor;
 };
 
-/// Who has standard output: whoever speaks first, so that two objects never run into each other.
-enum class Speaker { Nobody, Command, Interrupt };
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a process has one output
-std::atomic<Speaker> speaker{Speaker::Nobody};
+/// Whose turn it is on standard output, so that the command's words and the last ones never run into each other.
+/// Thread-safe.
+class Turn {
+public:
+    /// What the command writes: one of several parts, or what nothing may follow.
+    enum class Words { Part, Result };
 
-/// Whether `candidate` has standard output from now on, or had it already.
-bool takesOutput(Speaker candidate)
+    /// The program ends with the last words once somebody has started with them; then this does not return.
+    void begin(Words words)
+    {
+        {
+            const std::scoped_lock lock{m_mutex};
+            if (m_state != State::LastWords) {
+                m_state = m_state == State::Result || words == Words::Result ? State::Result : State::Part;
+                return;
+            }
+        }
+        for (;;)
+            ::pause();
+    }
+
+    void end()
+    {
+        const std::scoped_lock lock{m_mutex};
+        if (m_state == State::Part)
+            m_state = State::Free;
+        m_changed.notify_all();
+    }
+
+    /// Whether there is room for the last words; nobody writes anything else from then on. Lets a part come to its end,
+    /// unless its reader has stopped to read.
+    [[nodiscard]] bool takeForLastWords()
+    {
+        std::unique_lock lock{m_mutex};
+        m_changed.wait_for(lock, std::chrono::seconds{5}, [this] { return m_state != State::Part; });
+        const bool isFree = m_state == State::Free;
+        if (isFree)
+            m_state = State::LastWords;
+        return isFree;
+    }
+
+private:
+    enum class State { Free, Part, Result, LastWords };
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    State m_state = State::Free;
+};
+
+/// A process has one output, up to its very end.
+Turn& turn()
 {
-    auto before = Speaker::Nobody;
-    return speaker.compare_exchange_strong(before, candidate) || before == candidate;
+    static auto* const only = new Turn; // NOLINT(cppcoreguidelines-owning-memory)
+    return *only;
+}
+
+std::error_code writeOutput(Turn::Words words, std::string_view bytes)
+{
+    turn().begin(words);
+    const auto error = writeAll(STDOUT_FILENO, bytes);
+    turn().end();
+    return error;
 }
 
 /// Writes and syncs a new file, then gives it the name that it is for.
@@ -149,11 +203,12 @@ int columns(Stream stream)
 
 std::error_code write(Stream stream, std::string_view bytes)
 {
-    if (stream == Stream::Output && !takesOutput(Speaker::Command)) {
-        for (;;)
-            ::pause(); // the last words are being written, and the program ends with them
-    }
-    return writeAll(descriptorOf(stream), bytes);
+    return stream == Stream::Output ? writeOutput(Turn::Words::Result, bytes) : writeAll(descriptorOf(stream), bytes);
+}
+
+std::error_code writePart(std::string_view bytes)
+{
+    return writeOutput(Turn::Words::Part, bytes);
 }
 
 void tryWrite(Stream stream, std::string_view bytes)
@@ -165,14 +220,8 @@ void tryWrite(Stream stream, std::string_view bytes)
 
 void writeLastWords(Stream stream, std::string_view words)
 {
-    if (stream != Stream::Output || takesOutput(Speaker::Interrupt))
+    if (stream != Stream::Output || turn().takeForLastWords())
         static_cast<void>(writeAll(descriptorOf(stream), words));
-}
-
-void yieldOutput()
-{
-    auto before = Speaker::Command;
-    speaker.compare_exchange_strong(before, Speaker::Nobody);
 }
 
 std::optional<std::string> readLine(int cancel)

@@ -32,13 +32,12 @@ void prepare();
 /// The same if it needs no waiting; `bytes` are a few lines at most.
 void tryWrite(Stream stream, std::string_view bytes);
 
-/// What standard output holds is whole so far, and more is to come: until the next write, there is
-/// room for last words.
-void yieldOutput();
+/// The same on standard output, with more to come: once it is written, there is room for last words again.
+[[nodiscard]] std::error_code writePart(std::string_view bytes);
 
-/// Writes what the program says as it ends, on another thread than that of its command. On a
-/// standard output that holds something already, and was not yielded, it is left out; otherwise
-/// nobody writes there any more.
+/// Writes what the program says as it ends, on another thread than that of its command. They are left out on a standard
+/// output that holds a result, or on which a part has been stuck for five seconds; otherwise nobody writes there any
+/// more.
 void writeLastWords(Stream stream, std::string_view words);
 
 /// A line of standard input without its end, empty at the end of the input; nothing when the file

@@ -1,12 +1,15 @@
 #include <console/consoletest.h>
 
+#include <QDeadlineTimer>
+#include <QThread>
+
 #include <gmock/gmock.h>
 
 #include <array>
 #include <csignal>
 
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace tarn::console {
@@ -35,29 +38,83 @@ TEST_P(Interrupted, ARequestThatTakesLongEndsWithCtrlC)
 
 INSTANTIATE_TEST_SUITE_P(Formats, Interrupted, testing::Bool());
 
+/// Standard output for a program that nobody reads for now: small, so that the program is soon stuck in what it writes.
+class FullPipe {
+public:
+    static constexpr int size = 4096;
+
+    FullPipe()
+    {
+        EXPECT_EQ(::pipe2(m_ends.data(), O_CLOEXEC), 0);
+        EXPECT_EQ(::fcntl(m_ends[1], F_SETPIPE_SZ, size), size);
+    }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+    ~FullPipe() { ::close(m_ends[0]); }
+
+    void start(QProcess& process)
+    {
+        process.setChildProcessModifier([this] { ::dup2(m_ends[1], STDOUT_FILENO); });
+        process.start();
+        EXPECT_TRUE(process.waitForStarted());
+        ::close(m_ends[1]);
+    }
+
+    /// Waits until there is no room for `line` bytes more.
+    void awaitFull(int line) const
+    {
+        int held = 0;
+        for (const QDeadlineTimer deadline{20'000}; held <= size - line && !deadline.hasExpired(); QThread::msleep(1))
+            ASSERT_EQ(::ioctl(m_ends[0], FIONREAD, &held), 0);
+        ASSERT_GT(held, size - line);
+    }
+
+    /// Reads all that comes until the program ends.
+    [[nodiscard]] QByteArray drain() const
+    {
+        QByteArray out;
+        std::array<char, size> block{};
+        for (ssize_t length = 0; (length = ::read(m_ends[0], block.data(), block.size())) > 0;)
+            out.append(block.data(), length);
+        return out;
+    }
+
+private:
+    std::array<int, 2> m_ends{};
+};
+
 TEST_F(InterruptTest, CtrlCInTheMiddleOfAResultAddsNothingToIt)
 {
-    // More than a pipe holds, so that the program is stuck in its result once the pipe is full.
-    std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    ASSERT_GT(::fcntl(pipe[1], F_SETPIPE_SZ, 4096), 0);
+    FullPipe pipe;
     QProcess process;
-    prepare(process, awkward(QStringLiteral("crowded")) + words("--json files list"));
-    process.setChildProcessModifier([&pipe] { ::dup2(pipe[1], STDOUT_FILENO); });
-    process.start();
-    ASSERT_TRUE(process.waitForStarted());
-    ::close(pipe[1]);
-    pollfd full{pipe[0], POLLIN, 0};
-    ASSERT_EQ(::poll(&full, 1, -1), 1);
+    prepare(process, awkward(QStringLiteral("crowded")) + words("--json files list")); // more than the pipe holds
+    pipe.start(process);
+    pipe.awaitFull(1);
     interrupt(process);
     EXPECT_EQ(finish(process).exitCode, 130);
-    QByteArray out;
-    std::array<char, 4096> block{};
-    for (ssize_t length = 0; (length = ::read(pipe[0], block.data(), block.size())) > 0;)
-        out.append(block.data(), length);
-    ::close(pipe[0]);
+    const auto out = pipe.drain();
     EXPECT_TRUE(out.startsWith("{\"schema\"")) << out.toStdString();
     EXPECT_FALSE(out.contains("interrupted"));
+}
+
+TEST_F(InterruptTest, CtrlCInTheMiddleOfAPartLetsItComeToItsEnd)
+{
+    writeLocal(QStringLiteral("image"), QByteArray{60'000, 'n'});
+    FullPipe pipe;
+    QProcess process;
+    prepare(process, words("--json --address memory-size=64KiB memory write image --yes"));
+    pipe.start(process);
+    pipe.awaitFull(200); // a line of progress has less
+    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0); // is recorded only
+    interrupt(process);
+    EXPECT_FALSE(process.waitForFinished(100));
+    Outcome outcome;
+    outcome.out = pipe.drain();
+    EXPECT_EQ(finish(process).exitCode, 130);
+    EXPECT_GT(outcome.objects("progress").size(), 10);
+    ASSERT_EQ(outcome.objects("error").size(), 1);
+    EXPECT_EQ(outcome.objects("error").first().value(QStringLiteral("code")).toString(), QStringLiteral("interrupted"));
+    EXPECT_EQ(outcome.objects().last().value(QStringLiteral("error")).toObject(), outcome.objects("error").first());
 }
 
 TEST_F(InterruptTest, CtrlCIsIgnoredWhereWhoeverStartedTheProgramIgnoresIt)
