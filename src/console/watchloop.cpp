@@ -125,7 +125,7 @@ void WatchLoop::post(QJsonObject json, std::string text)
     json.insert(QStringLiteral("time"), now.toString(Qt::ISODateWithMs));
     m_postbox.post([this, now, json = std::move(json), text = std::move(text)] {
         const auto line = fmt::format("{}  {}", now.toLocalTime().toString(QStringLiteral("HH:mm:ss.zzz")), text);
-        show([&] { m_output.result(json, line); });
+        show([&] { m_output.part(json, line); });
     });
 }
 

@@ -165,6 +165,18 @@ TEST_P(StuckWatch, Ends)
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr(advice));
 }
 
+TEST_P(StuckWatch, EndsWithAnErrorObjectAfterItsEvents)
+{
+    const auto& [call, command] = GetParam();
+    const auto outcome = at(QStringLiteral("stuck=") + QString::fromUtf8(call), words("--json") + impatient(command));
+    EXPECT_EQ(outcome.exitCode, 5);
+    ASSERT_EQ(outcome.objects("error").size(), 1);
+    EXPECT_EQ(outcome.objects().last().value(QStringLiteral("error")).toObject(), outcome.objects("error").first());
+    EXPECT_EQ(outcome.objects("error").first().value(QStringLiteral("code")).toString(),
+              QStringLiteral("instrument-lost"));
+    EXPECT_TRUE(outcome.err.isEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(Calls, StuckWatch,
                          testing::Values(std::pair{"temperature", "temperature watch"},
                                          std::pair{"quill", "quill-power watch"},
