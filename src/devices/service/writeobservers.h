@@ -171,13 +171,14 @@ private:
             entry->second.isRegistered = false;
     }
 
-    /// After an exception nobody knows whether the SDK has the adapter of `entry`: it is not passed on to any more,
-    /// but lives as long as this.
+    /// After an exception nobody knows whether the SDK has the adapter of `entry`: it passes nothing on any more, but
+    /// lives as long as this. Who is about to register it, too, must take that back.
     void abandon(Entry entry)
     {
         if (!entry)
             return;
         auto& adapter = entry.mapped().adapter;
+        adapter.front()->markRemoved();
         adapter.front()->silence();
         const utils::MutexLock lock{m_mutex};
         m_abandoned.splice(m_abandoned.end(), adapter);

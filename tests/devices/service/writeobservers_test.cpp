@@ -8,7 +8,10 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstddef>
+#include <future>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -225,6 +228,24 @@ TYPED_TEST(WriteObservers, AnObserverRemovedWhileTheDeviceIsAskedForTheControlDo
     EXPECT_EQ(this->registered()->count(), 0U);
 }
 
+TYPED_TEST(WriteObservers, AnObserverAddedAnewWhileTheDeviceIsAskedIsRegisteredOnce)
+{
+    std::shared_ptr<void> offered;
+    this->device.whenAsked([&](sdk::Key key) {
+        this->device.whenAsked(nullptr);
+        this->offer();
+        this->control.removeObserver(&this->a);
+        this->control.addObserver(&this->a);
+        offered = this->device.control(key);
+        this->device.drop(key); // for the answer to this question alone
+    });
+    this->control.addObserver(&this->a);
+    this->device.offerFrom(TypeParam::Sdk::key, [offered] { return offered; });
+    this->control.onControlsAvailable();
+    EXPECT_EQ(this->registered()->count(), 1U);
+    EXPECT_EQ(this->notify(), "a");
+}
+
 TYPED_TEST(WriteObservers, TheSdkIsCalledWithoutALock) // which would be waited for here for ever
 {
     this->offer();
@@ -310,6 +331,31 @@ TYPED_TEST(WriteObservers, AnObserverThatTheSdkKeepsWhenItThrowsInTheRegistratio
     EXPECT_THROW(this->control.addObserver(&this->a), std::runtime_error);
     EXPECT_EQ(this->registered()->count(), 1U);
     EXPECT_EQ(this->notify(), "");
+}
+
+TYPED_TEST(WriteObservers, AnObserverWhoseRegistrationThrowsDoesNotStayBehindWithAControlThatReturns)
+{
+    this->offer();
+    std::jthread returning;
+    std::promise<void> registersToo;
+    std::promise<void> hasThrown;
+    std::atomic<int> registrations = 0;
+    this->whenAdded = [&](auto* /*observer*/) {
+        if (++registrations == 1) {
+            returning = std::jthread{[this] {
+                this->control.onControlsAboutToBeReleased();
+                this->control.onControlsAvailable();
+            }};
+            registersToo.get_future().wait();
+            throw std::runtime_error{"not added"};
+        }
+        registersToo.set_value();
+        hasThrown.get_future().wait();
+    };
+    EXPECT_THROW(this->control.addObserver(&this->a), std::runtime_error);
+    hasThrown.set_value();
+    returning.join();
+    EXPECT_EQ(this->registered()->count(), 0U);
 }
 
 TYPED_TEST(WriteObservers, AnObserverAddedAndRemovedByOthersWhileItsRegistrationThrowsStays)
