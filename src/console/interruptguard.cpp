@@ -125,7 +125,8 @@ void endProgram(Stream stream, std::string_view words, int exitCode)
 {
     while (ending.exchange(true))
         ::pause(); // another thread ends it
-    const auto signalSet = interruptSignals();
+    auto signalSet = interruptSignals();
+    ::sigdelset(&signalSet, SIGHUP); // it may come twice
     ::pthread_sigmask(SIG_UNBLOCK, &signalSet, nullptr); // another Ctrl-C ends a write that hangs
     writeLastWords(stream, words);
     ::_exit(exitCode);

@@ -26,8 +26,8 @@ void exitOnInterrupt(Stream stream, LastWords lastWords);
 void setLastWords(LastWords lastWords);
 [[nodiscard]] LastWords lastWords();
 
-/// Writes `words` to `stream` and ends the program at once, whatever its threads are doing. The words are left out on a
-/// standard output that holds something already, unless it was yielded. Threads: any.
+/// Writes `words` to `stream` as `writeLastWords` does, and ends the program, whatever its threads are doing. Threads:
+/// any.
 [[noreturn]] void endProgram(Stream stream, std::string_view words, int exitCode);
 
 /// While one is alive, the first Ctrl-C of the program does not end it but is recorded, for good;

@@ -83,7 +83,7 @@ public:
     [[nodiscard]] ProgressStyle progressStyle() const;
 
     /// From now on Ctrl-C ends the program, saying so in the same way as `error`; without a word
-    /// when it would come after other JSON.
+    /// when it would come after a result, or in the middle of a part that is stuck.
     void exitOnInterrupt() const;
 
     /// From now on a change of the instrument is under way, and when Ctrl-C ends the program, it says

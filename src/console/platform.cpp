@@ -1,5 +1,7 @@
 #include <console/platform.h>
 
+#include <utils/mutex.h>
+
 #include <QRandomGenerator>
 
 #include <fmt/format.h>
@@ -10,7 +12,6 @@
 #include <condition_variable>
 #include <csignal>
 #include <cstdio>
-#include <mutex>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -86,16 +87,17 @@ private:
 /// Thread-safe.
 class Turn {
 public:
-    /// What the command writes: one of several parts, or what nothing may follow.
-    enum class Words { Part, Result };
+    /// What stands on standard output: nothing to which more could not be added; a part that is being written; a
+    /// result, or its beginning.
+    enum class State { Open, Part, Result };
 
-    /// The program ends with the last words once somebody has started with them; then this does not return.
-    void begin(Words words)
+    /// The command is about to write, after which the output is in `state`. Does not return once the program is ending.
+    void begin(State state)
     {
         {
-            const std::scoped_lock lock{m_mutex};
-            if (m_state != State::LastWords) {
-                m_state = m_state == State::Result || words == Words::Result ? State::Result : State::Part;
+            const utils::MutexLock lock{m_mutex};
+            if (!m_isEnding) {
+                m_state = state;
                 return;
             }
         }
@@ -103,32 +105,33 @@ public:
             ::pause();
     }
 
+    /// The command has written that.
     void end()
     {
-        const std::scoped_lock lock{m_mutex};
-        if (m_state == State::Part)
-            m_state = State::Free;
+        {
+            const utils::MutexLock lock{m_mutex};
+            if (m_state == State::Part)
+                m_state = State::Open;
+        }
         m_changed.notify_all();
     }
 
-    /// Whether there is room for the last words; nobody writes anything else from then on. Lets a part come to its end,
-    /// unless its reader has stopped to read.
+    /// The program is ending: the command writes nothing more. Whether there is room for the last words. Lets the part
+    /// that is being written come to its end, unless its reader has stopped to read.
     [[nodiscard]] bool takeForLastWords()
     {
-        std::unique_lock lock{m_mutex};
-        m_changed.wait_for(lock, std::chrono::seconds{5}, [this] { return m_state != State::Part; });
-        const bool isFree = m_state == State::Free;
-        if (isFree)
-            m_state = State::LastWords;
-        return isFree;
+        const utils::MutexLock lock{m_mutex};
+        m_isEnding = true;
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds{5};
+        while (m_state == State::Part && m_changed.wait_until(m_mutex, latest) == std::cv_status::no_timeout) { }
+        return m_state == State::Open;
     }
 
 private:
-    enum class State { Free, Part, Result, LastWords };
-
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    State m_state = State::Free;
+    utils::Mutex m_mutex;
+    std::condition_variable_any m_changed;
+    State m_state TARN_GUARDED_BY(m_mutex) = State::Open;
+    bool m_isEnding TARN_GUARDED_BY(m_mutex) = false;
 };
 
 /// A process has one output, up to its very end.
@@ -138,9 +141,9 @@ Turn& turn()
     return *only;
 }
 
-std::error_code writeOutput(Turn::Words words, std::string_view bytes)
+std::error_code writeOutput(Turn::State state, std::string_view bytes)
 {
-    turn().begin(words);
+    turn().begin(state);
     const auto error = writeAll(STDOUT_FILENO, bytes);
     turn().end();
     return error;
@@ -203,12 +206,12 @@ int columns(Stream stream)
 
 std::error_code write(Stream stream, std::string_view bytes)
 {
-    return stream == Stream::Output ? writeOutput(Turn::Words::Result, bytes) : writeAll(descriptorOf(stream), bytes);
+    return stream == Stream::Output ? writeOutput(Turn::State::Result, bytes) : writeAll(descriptorOf(stream), bytes);
 }
 
 std::error_code writePart(std::string_view bytes)
 {
-    return writeOutput(Turn::Words::Part, bytes);
+    return writeOutput(Turn::State::Part, bytes);
 }
 
 void tryWrite(Stream stream, std::string_view bytes)

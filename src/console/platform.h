@@ -35,9 +35,9 @@ void tryWrite(Stream stream, std::string_view bytes);
 /// The same on standard output, with more to come: once it is written, there is room for last words again.
 [[nodiscard]] std::error_code writePart(std::string_view bytes);
 
-/// Writes what the program says as it ends, on another thread than that of its command. They are left out on a standard
-/// output that holds a result, or on which a part has been stuck for five seconds; otherwise nobody writes there any
-/// more.
+/// Writes what the program says as it ends, on another thread than that of its command. On standard output the command
+/// writes nothing more from then on. There the words wait for the end of a part that is being written, five seconds at
+/// most, and are left out if it has not come by then, or after a result.
 void writeLastWords(Stream stream, std::string_view words);
 
 /// A line of standard input without its end, empty at the end of the input; nothing when the file

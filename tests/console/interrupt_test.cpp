@@ -1,6 +1,7 @@
 #include <console/consoletest.h>
 
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QThread>
 
 #include <gmock/gmock.h>
@@ -97,17 +98,46 @@ TEST_F(InterruptTest, CtrlCInTheMiddleOfAResultAddsNothingToIt)
     EXPECT_FALSE(out.contains("interrupted"));
 }
 
-TEST_F(InterruptTest, CtrlCInTheMiddleOfAPartLetsItComeToItsEnd)
-{
-    writeLocal(QStringLiteral("image"), QByteArray{60'000, 'n'});
+/// A command that nobody reads is stuck in a line of progress, and Ctrl-C has come twice.
+class StuckInAPart : public InterruptTest {
+protected:
+    void SetUp() override
+    {
+        writeLocal(QStringLiteral("image"), QByteArray{60'000, 'n'});
+        prepare(process, words("--json --address memory-size=64KiB memory write image --yes"));
+        pipe.start(process);
+        pipe.awaitFull(200); // a line of progress has less
+        send(SIGTERM); // is recorded only
+        send(SIGINT);
+        awaitSignalsTaken();
+        EXPECT_FALSE(process.waitForFinished(100));
+    }
+
+    void send(int signal) const
+    {
+        ASSERT_GT(process.processId(), 0);
+        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    }
+
+    /// Waits until no signal is pending.
+    void awaitSignalsTaken() const
+    {
+        QFile status{QStringLiteral("/proc/%1/status").arg(process.processId())};
+        for (bool isPending = true; isPending; status.close()) {
+            ASSERT_TRUE(status.open(QIODevice::ReadOnly));
+            const auto contents = status.readAll();
+            ASSERT_TRUE(contents.contains("ShdPnd:"));
+            isPending = !contents.contains("ShdPnd:\t0000000000000000\n");
+        }
+    }
+
     FullPipe pipe;
     QProcess process;
-    prepare(process, words("--json --address memory-size=64KiB memory write image --yes"));
-    pipe.start(process);
-    pipe.awaitFull(200); // a line of progress has less
-    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGTERM), 0); // is recorded only
-    interrupt(process);
-    EXPECT_FALSE(process.waitForFinished(100));
+};
+
+TEST_F(StuckInAPart, TheLastWordsFollowOnceItIsWritten)
+{
+    send(SIGHUP); // adds nothing
     Outcome outcome;
     outcome.out = pipe.drain();
     EXPECT_EQ(finish(process).exitCode, 130);
@@ -115,6 +145,21 @@ TEST_F(InterruptTest, CtrlCInTheMiddleOfAPartLetsItComeToItsEnd)
     ASSERT_EQ(outcome.objects("error").size(), 1);
     EXPECT_EQ(outcome.objects("error").first().value(QStringLiteral("code")).toString(), QStringLiteral("interrupted"));
     EXPECT_EQ(outcome.objects().last().value(QStringLiteral("error")).toObject(), outcome.objects("error").first());
+}
+
+TEST_F(StuckInAPart, TheLastWordsDoNotWaitForAReaderWhoHasStopped)
+{
+    EXPECT_EQ(finish(process).exitCode, 130); // after five seconds
+    const auto out = pipe.drain();
+    EXPECT_TRUE(out.startsWith("{\"schema\""));
+    EXPECT_FALSE(out.contains("interrupted"));
+}
+
+TEST_F(StuckInAPart, AnotherCtrlCEndsTheWaiting)
+{
+    send(SIGINT);
+    ASSERT_TRUE(process.waitForFinished(4000)); // without that, it takes five seconds
+    EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
 }
 
 TEST_F(InterruptTest, CtrlCIsIgnoredWhereWhoeverStartedTheProgramIgnoresIt)

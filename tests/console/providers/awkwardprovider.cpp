@@ -148,7 +148,7 @@ private:
         notify(&Observer::onControlsAvailable);
     }
 
-    /// Once the calibrations are watched, so that the watch has to begin again.
+    /// Once the calibrations are watched and something has been told of them, so that the watch has to begin again.
     void beAwayForAMoment()
     {
         if (awkward::stuckIn != "calibrations-again" || m_wasAway)
@@ -157,7 +157,7 @@ private:
         const auto control
             = std::static_pointer_cast<ICalibrationController>(m_controls[ICalibrationController::firstKey]);
         lock.unlock();
-        m_wasAway = static_cast<awkward::Calibrations&>(*control).isObserved();
+        m_wasAway = std::exchange(m_wasObserved, static_cast<awkward::Calibrations&>(*control).isObserved());
         if (!m_wasAway)
             return;
         notify(&Observer::onControlsAboutToBeReleased);
@@ -204,7 +204,9 @@ private:
     std::map<sdk::Key, std::shared_ptr<void>> m_controls;
     std::atomic<int> m_askedForLeakage{0};
     std::atomic<bool> m_isLate{false};
-    bool m_wasAway = false; ///< of its own thread
+    // Of its own thread.
+    bool m_wasAway = false;
+    bool m_wasObserved = false;
     std::recursive_mutex m_observersMutex;
     std::vector<Observer*> m_observers;
     std::jthread m_thread;
