@@ -1,5 +1,7 @@
 #include "otherrows.h"
 
+#include <QObject>
+
 #include <optional>
 
 namespace tarn::soak {
@@ -13,6 +15,26 @@ std::uint64_t switchValue(std::optional<devices::FactoryCorrection> correction, 
 {
     return correction ? 2 * static_cast<std::uint64_t>(*correction) + (enabled ? 1 : 0) : 0;
 }
+
+/// Tells a hearer of a control's temperature. Lives as long as the control, as a slot may run when the connection has
+/// ended.
+class Ear final : public QObject {
+public:
+    using Control = devices::service::SdkTemperatureControl;
+
+    Ear(Control& control, Hearer& hearer)
+        : QObject{&control}
+        , m_control{control}
+        , m_hearer{hearer}
+    {
+    }
+
+    void hear() { m_hearer.hear(0, std::bit_cast<std::uint64_t>(m_control.temperature())); }
+
+private:
+    Control& m_control;
+    Hearer& m_hearer;
+};
 
 } // namespace
 
@@ -54,10 +76,9 @@ void TemperatureObservation::Witness::onTemperatureChanged()
 
 std::shared_ptr<void> TemperatureObservation::stay(Control& control, Hearer& hearer)
 {
-    const auto connection = QObject::connect(&control, &Control::temperaturesChanged, [&control, &hearer] {
-        hearer.hear(0, std::bit_cast<std::uint64_t>(control.temperature()));
-    });
-    return {&hearer, [connection](void* /*hearer*/) { QObject::disconnect(connection); }};
+    auto* const ear = new Ear{control, hearer};
+    QObject::connect(&control, &Control::temperaturesChanged, ear, &Ear::hear, Qt::DirectConnection);
+    return {ear, [&control](Ear* disconnected) { QObject::disconnect(&control, nullptr, disconnected, nullptr); }};
 }
 
 std::shared_ptr<void> TemperatureObservation::pass(const Instrument& instrument, Control& /*shared*/, Hearer& hearer)
