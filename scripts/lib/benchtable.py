@@ -29,7 +29,7 @@ def verdict(goal, ways):
     ratio = time / peer_time
     most = goal.get("allocations")
     most = peer_allocations if most == "as many" else most
-    return ratio, ratio <= goal["ratio"] and (most is None or allocations <= most)
+    return ratio, ratio <= goal["ratio"] and (most is None or (allocations is not None and allocations <= most))
 
 
 def main():
