@@ -34,7 +34,25 @@ auto is(Breach breach, unsigned completions)
 } // namespace
 
 /// How a request ends, seen by its caller and by the observer of breaches.
-class GuardEndings : public GuardTest { };
+class GuardEndings : public GuardTest {
+protected:
+    /// Makes a request that the device completes within the operation, and does `step` in the caller's completion with
+    /// the one that the device has kept.
+    void whileCompleting(const std::function<void(FilesDone& kept)>& step)
+    {
+        FilesDone kept;
+        offer([&](const FilesDone& done) {
+            kept = done;
+            done(someFiles, {});
+        });
+        int completed = 0;
+        control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
+            ++completed;
+            step(kept);
+        });
+        EXPECT_EQ(completed, 1);
+    }
+};
 
 TEST_F(GuardEndings, AGivenUpRequestIsReportedBeforeItsCompletionIsCalled)
 {
@@ -106,18 +124,10 @@ TEST_F(GuardEndings, TheObserverOfATimeOutMayLetTheDeviceGo)
 
 TEST_F(GuardEndings, ACompletionInsideTheCallersCompletionIsOneTooMany)
 {
-    FilesDone kept;
-    offer([&](const FilesDone& done) {
-        kept = done;
-        done(someFiles, {});
-    });
-    int completed = 0;
-    control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
-        ++completed;
+    whileCompleting([](FilesDone& kept) {
         kept({}, {});
         kept({}, {});
     });
-    EXPECT_EQ(completed, 1);
     EXPECT_THAT(breaches->await(0), ElementsAre(is(Breach::CompletedAgain, 2), is(Breach::CompletedAgain, 3)));
 }
 
@@ -162,20 +172,12 @@ TEST_F(GuardEndings, TheCallersCompletionMayLeadToTheEndOfTheDevicesWithinTheOpe
 
 TEST_F(GuardEndings, ACompletionOnAnotherThreadDuringTheCallersCompletionIsOneTooMany)
 {
-    FilesDone kept;
-    offer([&](const FilesDone& done) {
-        kept = done;
-        done(someFiles, {});
-    });
-    int completed = 0;
-    control()->fileList([&](const Files& /*files*/, std::error_code /*code*/) {
-        ++completed;
+    whileCompleting([](FilesDone& kept) {
         std::jthread{[&] {
             kept({}, {});
             kept = nullptr;
         }}.join();
     });
-    EXPECT_EQ(completed, 1);
     EXPECT_THAT(breaches->await(0), ElementsAre(is(Breach::CompletedAgain, 2)));
 }
 
