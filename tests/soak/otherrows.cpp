@@ -2,6 +2,7 @@
 
 #include <QObject>
 
+#include <atomic>
 #include <optional>
 
 namespace tarn::soak {
@@ -16,8 +17,8 @@ std::uint64_t switchValue(std::optional<devices::FactoryCorrection> correction, 
     return correction ? 2 * static_cast<std::uint64_t>(*correction) + (enabled ? 1 : 0) : 0;
 }
 
-/// Tells a hearer of a control's temperature. Lives as long as the control, as a slot may run when the connection has
-/// ended.
+/// Tells a hearer of a control's temperature, until `stop`. Stays connected for as long as the control lives: Qt frees
+/// a connection under locks that the thread sanitizer does not see.
 class Ear final : public QObject {
 public:
     using Control = devices::service::SdkTemperatureControl;
@@ -25,15 +26,22 @@ public:
     Ear(Control& control, Hearer& hearer)
         : QObject{&control}
         , m_control{control}
-        , m_hearer{hearer}
+        , m_hearer{&hearer}
     {
+        connect(&control, &Control::temperaturesChanged, this, &Ear::hear, Qt::DirectConnection);
     }
 
-    void hear() { m_hearer.hear(0, std::bit_cast<std::uint64_t>(m_control.temperature())); }
+    void stop() { m_hearer = nullptr; }
 
 private:
+    void hear()
+    {
+        if (auto* const hearer = m_hearer.load())
+            hearer->hear(0, std::bit_cast<std::uint64_t>(m_control.temperature()));
+    }
+
     Control& m_control;
-    Hearer& m_hearer;
+    std::atomic<Hearer*> m_hearer;
 };
 
 } // namespace
@@ -76,9 +84,7 @@ void TemperatureObservation::Witness::onTemperatureChanged()
 
 std::shared_ptr<void> TemperatureObservation::stay(Control& control, Hearer& hearer)
 {
-    auto* const ear = new Ear{control, hearer};
-    QObject::connect(&control, &Control::temperaturesChanged, ear, &Ear::hear, Qt::DirectConnection);
-    return {ear, [&control](Ear* disconnected) { QObject::disconnect(&control, nullptr, disconnected, nullptr); }};
+    return {new Ear{control, hearer}, [](Ear* ear) { ear->stop(); }};
 }
 
 std::shared_ptr<void> TemperatureObservation::pass(const Instrument& instrument, Control& /*shared*/, Hearer& hearer)
