@@ -1,19 +1,11 @@
 #include <console/consoletest.h>
+#include <console/outputpipe.h>
 
-#include <QDeadlineTimer>
 #include <QFile>
-#include <QThread>
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <csignal>
-#include <utility>
-
-#include <fcntl.h>
-#include <sched.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace tarn::console {
 
@@ -41,74 +33,9 @@ TEST_P(Interrupted, ARequestThatTakesLongEndsWithCtrlC)
 
 INSTANTIATE_TEST_SUITE_P(Formats, Interrupted, testing::Bool());
 
-/// Standard output for a program that nobody reads for now, so that the program is soon stuck in what it writes.
-class FullPipe {
-public:
-    static constexpr int size = 4096;
-
-    /// A pipe with room for so many bytes; before them stand spaces.
-    explicit FullPipe(int room)
-    {
-        EXPECT_EQ(::pipe2(m_ends.data(), O_CLOEXEC), 0);
-        EXPECT_EQ(::fcntl(m_ends[1], F_SETPIPE_SZ, size), size);
-        const QByteArray spaces{size - room, ' '};
-        EXPECT_EQ(::write(m_ends[1], spaces.data(), static_cast<std::size_t>(spaces.size())), spaces.size());
-    }
-    FullPipe(const FullPipe&) = delete;
-    FullPipe& operator=(const FullPipe&) = delete;
-    ~FullPipe() { ::close(m_ends[0]); }
-
-    void start(QProcess& process)
-    {
-        process.setChildProcessModifier([this] {
-            ::dup2(m_ends[1], STDOUT_FILENO);
-            cpu_set_t one; // on which a thread that can go on does so before others that it wakes
-            CPU_ZERO(&one);
-            CPU_SET(static_cast<unsigned>(::sched_getcpu()), &one);
-            ::sched_setaffinity(0, sizeof one, &one);
-        });
-        process.start();
-        EXPECT_TRUE(process.waitForStarted());
-        ::close(m_ends[1]);
-    }
-
-    /// Waits until something was written, and then nothing more for a while.
-    void awaitStuck() const
-    {
-        const auto atFirst = held();
-        const QDeadlineTimer latest{20'000};
-        QDeadlineTimer settled{500};
-        for (auto last = atFirst; last == atFirst || !settled.hasExpired(); QThread::msleep(1)) {
-            ASSERT_FALSE(latest.hasExpired());
-            if (const auto now = held(); now != std::exchange(last, now))
-                settled.setRemainingTime(500);
-        }
-    }
-
-    /// Reads all that comes until the program ends.
-    [[nodiscard]] QByteArray drain() const
-    {
-        QByteArray out;
-        std::array<char, size> block{};
-        for (ssize_t length = 0; (length = ::read(m_ends[0], block.data(), block.size())) > 0;)
-            out.append(block.data(), length);
-        return out;
-    }
-
-private:
-    [[nodiscard]] int held() const
-    {
-        int bytes = 0;
-        EXPECT_EQ(::ioctl(m_ends[0], FIONREAD, &bytes), 0);
-        return bytes;
-    }
-
-    std::array<int, 2> m_ends{};
-};
-
 TEST_F(InterruptTest, CtrlCInTheMiddleOfAResultAddsNothingToIt)
 {
-    FullPipe pipe{FullPipe::size};
+    OutputPipe pipe;
     QProcess process;
     prepare(process, awkward(QStringLiteral("crowded")) + words("--json files list")); // more than the pipe holds
     pipe.start(process);
@@ -153,7 +80,7 @@ protected:
         }
     }
 
-    FullPipe pipe{300}; // two lines of progress
+    OutputPipe pipe{300}; // two lines of progress
     QProcess process;
 };
 

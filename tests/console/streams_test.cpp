@@ -1,10 +1,10 @@
 #include <console/consoletest.h>
+#include <console/outputpipe.h>
 
 #include <QFile>
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <array>
 #include <csignal>
 
@@ -103,16 +103,12 @@ INSTANTIATE_TEST_SUITE_P(Commands, AnyOutput,
 
 TEST_F(StreamsTest, AWatchEndsWhenItsReaderGoesAway)
 {
-    std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
+    OutputPipe pipe;
     QProcess process;
     prepare(process, awkward({}) + words("temperature watch"));
-    process.setChildProcessModifier([&pipe] { ::dup2(pipe[1], STDOUT_FILENO); });
-    process.start();
-    ::close(pipe[1]);
-    char first = 0;
-    EXPECT_EQ(::read(pipe[0], &first, 1), 1);
-    ::close(pipe[0]);
+    pipe.start(process);
+    pipe.awaitWritten();
+    pipe.stopReading();
     const auto outcome = finish(process);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_TRUE(outcome.err.isEmpty()) << outcome.err.toStdString();
@@ -197,23 +193,14 @@ TEST_F(StreamsTest, ErrorsAreRedOnATerminal)
 
 TEST_F(StreamsTest, ANonBlockingStandardOutputGetsEverything)
 {
-    std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    ASSERT_GT(::fcntl(pipe[1], F_SETPIPE_SZ, 4096), 0);
-    ASSERT_EQ(::fcntl(pipe[1], F_SETFL, O_NONBLOCK), 0);
+    OutputPipe pipe;
+    pipe.makeNonBlocking();
     QProcess process;
     prepare(process, awkward(QStringLiteral("crowded")) + words("files list"));
-    process.setChildProcessModifier([&pipe] { ::dup2(pipe[1], STDOUT_FILENO); });
-    process.start();
-    ASSERT_TRUE(process.waitForStarted());
-    ::close(pipe[1]);
-    qsizetype lines = 0;
-    std::array<char, 4096> block{};
-    for (ssize_t length = 0; (length = ::read(pipe[0], block.data(), block.size())) > 0;)
-        lines += std::count(block.begin(), block.begin() + length, '\n');
-    ::close(pipe[0]);
+    pipe.start(process);
+    const auto out = pipe.drain();
     EXPECT_EQ(finish(process).exitCode, 0);
-    EXPECT_EQ(lines, 1000);
+    EXPECT_EQ(out.count('\n'), 1000);
 }
 
 TEST_F(StreamsTest, OutputIsUtf8InAnyLocale)

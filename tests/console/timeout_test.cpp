@@ -1,17 +1,14 @@
 #include <console/consoletest.h>
+#include <console/outputpipe.h>
 
 #include <QElapsedTimer>
 
 #include <gmock/gmock.h>
 
-#include <array>
 #include <chrono>
 #include <thread>
 #include <tuple>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace tarn::console {
 
@@ -197,16 +194,12 @@ TEST_F(TimeoutTest, AWatchWaitsForWhatHappensAsLongAsItTakes)
 
 TEST_F(TimeoutTest, AWatchWaitsForItsReaderAsLongAsItTakes)
 {
-    std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe2(pipe.data(), O_CLOEXEC), 0);
-    ASSERT_GT(::fcntl(pipe[1], F_SETPIPE_SZ, 4096), 0); // is full after a moment
+    OutputPipe pipe; // is full after a moment
     QProcess process;
     prepare(process, awkward({}) + words("--timeout 1s --json temperature watch"));
-    process.setChildProcessModifier([&pipe] { ::dup2(pipe[1], STDOUT_FILENO); });
-    process.start();
-    ::close(pipe[1]);
+    pipe.start(process);
     EXPECT_FALSE(process.waitForFinished(5000));
-    ::close(pipe[0]);
+    pipe.stopReading();
     EXPECT_EQ(finish(process).exitCode, 0);
 }
 
