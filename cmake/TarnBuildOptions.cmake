@@ -6,6 +6,9 @@ option(TARN_BATCHES "Compile several files of a large test program at a time" OF
 option(TARN_COVERAGE "Instrument for source-based coverage (Clang)" OFF)
 set(TARN_SANITIZERS "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 
+# As Debian builds its packages: with CMake's own -O3 the library is larger.
+string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+
 add_library(tarn_build_options INTERFACE)
 
 target_compile_definitions(tarn_build_options INTERFACE
