@@ -88,7 +88,7 @@ private:
     unsigned int m_done = 0;
 };
 
-/// Has one correction, which is switched on and off again and again.
+/// Has one correction, which is switched on and off again and again unless the instrument gets stuck.
 class Corrections final : public Observed<sdk::IFactoryCorrectionControl> {
 public:
     sdk::CorrectionFlag supportedCorrections() override { return correction; }
@@ -107,6 +107,8 @@ public:
 
     void live()
     {
+        if (!stuckIn.empty())
+            return;
         m_enabled = !m_enabled;
         notify(&Observer::onEnabledChanged, correction, m_enabled.load());
     }

@@ -40,7 +40,7 @@ namespace {
 ///   vanishing    drops its controls for good, without a word, once they were handed out
 ///   flickering   has no LO leakage control at every second question once it was handed out
 ///   restless     has dropped its controls while there is a file "away" in the current folder
-///   stuck=CALL   never comes back from that call; is otherwise like a shared one
+///   stuck=CALL   never comes back from that call; has what a shared one has, whose switches nobody else touches
 ///   interrupting presses Ctrl-C while it takes a file, and says on standard error when it deletes one
 class Instrument final : public sdk::IVna {
 public:
