@@ -37,8 +37,7 @@ public:
     }
     void writeFile(std::string /*name*/, std::vector<std::uint8_t> written, sdk::Completion<> done) override
     {
-        benchmark::DoNotOptimize(written.data());
-        benchmark::ClobberMemory();
+        consume(written);
         done({});
     }
     void deleteFile(const FileInfo& /*file*/, sdk::Completion<> done) override { done({}); }
@@ -52,8 +51,7 @@ public:
     void read(sdk::Completion<std::vector<std::byte>> done) override { done(std::move(image), {}); }
     void write(std::vector<std::byte> written, sdk::Completion<> done) override
     {
-        benchmark::DoNotOptimize(written.data());
-        benchmark::ClobberMemory();
+        consume(written);
         done({});
     }
     void erase(sdk::Completion<> done) override { done({}); }
@@ -71,79 +69,74 @@ std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<Control>& control)
         [control] { return sdk::ControlHandle<Interface>{std::shared_ptr<Interface>{control}}; }});
 }
 
-/// Uses the bytes that `buffer` has, and lets it go.
-template <class Buffer>
-void use(Buffer buffer)
-{
-    benchmark::DoNotOptimize(buffer.data());
-    benchmark::ClobberMemory();
-}
-
-template <class Byte>
-void copyInto(std::vector<Byte>& to, const void* from, std::size_t size)
-{
-    to.resize(size);
-    std::memcpy(to.data(), from, size);
-}
-
-void addFiles(std::size_t size, const std::string& of)
+std::vector<Way> files(std::size_t size, const std::string& of)
 {
     const auto files = std::make_shared<Files>();
     const auto adapter = adapterOf<SdkFileMemoryControl, SdkFiles>(files);
-    const auto prepare = [size] { return std::vector<std::uint8_t>(size, 0xa5); };
-    add("read a file" + of, "library", prepare, [adapter, files](auto contents) {
-        files->contents = std::move(contents);
-        use(*adapter->readFile({QStringLiteral("file"), 0}));
-    });
-    add("read a file" + of, "memcpy", prepare, [](auto contents) {
-        QByteArray bytes{static_cast<qsizetype>(contents.size()), Qt::Uninitialized};
-        std::memcpy(bytes.data(), contents.data(), contents.size());
-        use(std::move(bytes));
-    });
-
+    const auto contents = [size] { return std::vector<std::uint8_t>(size, 0xa5); };
     const QByteArray bytes{static_cast<qsizetype>(size), 'x'};
-    add("write a file" + of, "library",
-        [adapter, bytes] { benchmark::DoNotOptimize(adapter->writeFile(QStringLiteral("file"), bytes)); });
-    add("write a file" + of, "memcpy", [bytes] {
-        const auto* const begin = reinterpret_cast<const std::uint8_t*>(bytes.constData());
-        use(std::vector<std::uint8_t>{begin, begin + bytes.size()});
-    });
+    return {
+        prepared("read a file" + of, "library", contents,
+                 [adapter, files](auto file) {
+                     files->contents = std::move(file);
+                     consume(adapter->readFile({QStringLiteral("file"), 0}));
+                 }),
+        prepared("read a file" + of, "memcpy", contents,
+                 [](const auto& file) {
+                     QByteArray copy{static_cast<qsizetype>(file.size()), Qt::Uninitialized};
+                     std::memcpy(copy.data(), file.data(), file.size());
+                     consume(copy);
+                 }),
+        repeated("write a file" + of, "library",
+                 [adapter, bytes] { consume(adapter->writeFile(QStringLiteral("file"), bytes)); }),
+        repeated("read a file" + of, "an empty one",
+                 [adapter] { consume(adapter->readFile({QStringLiteral("file"), 0})); }),
+        repeated("write a file" + of, "an empty one",
+                 [adapter] { consume(adapter->writeFile(QStringLiteral("file"), {})); }),
+        repeated("write a file" + of, "memcpy",
+                 [bytes] {
+                     const auto* const begin = reinterpret_cast<const std::uint8_t*>(bytes.constData());
+                     consume(std::vector<std::uint8_t>{begin, begin + bytes.size()});
+                 }),
+    };
 }
 
-void addImages(std::size_t size, const std::string& of)
+std::vector<Way> images(std::size_t size, const std::string& of)
 {
     const auto memory = std::make_shared<Memory>();
     const auto adapter = adapterOf<SdkMemoryOperationsControl, SdkMemory>(memory);
-    const auto prepare = [size] { return std::vector<std::byte>(size, std::byte{0xa5}); };
-    add("read an image" + of, "library", prepare, [adapter, memory](auto image) {
-        memory->image = std::move(image);
-        use(*adapter->read());
-    });
-    add("read an image" + of, "memcpy", prepare, [](auto image) {
-        std::vector<std::byte> copy;
-        copyInto(copy, image.data(), image.size());
-        use(std::move(copy));
-    });
-
-    const auto image = std::make_shared<const std::vector<std::byte>>(size, std::byte{0xa5});
-    add("write an image" + of, "library", [adapter, image] { benchmark::DoNotOptimize(adapter->write(*image)); });
-    add("write an image" + of, "memcpy", [image] { use(std::vector<std::byte>{image->begin(), image->end()}); });
-}
-
-void addAll()
-{
-    constexpr std::size_t kib = 1024;
-    for (const auto size : std::initializer_list<std::size_t>{64, 1024, 16 * kib, 256 * kib}) {
-        const auto of = " of " + std::to_string(size) + " KiB";
-        addFiles(size * kib, of);
-        addImages(size * kib, of);
-    }
+    const auto contents = [size] { return std::vector<std::byte>(size, std::byte{0xa5}); };
+    const auto image = std::make_shared<const std::vector<std::byte>>(contents());
+    return {
+        prepared("read an image" + of, "library", contents,
+                 [adapter, memory](auto stored) {
+                     memory->image = std::move(stored);
+                     consume(adapter->read());
+                 }),
+        prepared("read an image" + of, "memcpy", contents,
+                 [](const auto& stored) { consume(std::vector<std::byte>{stored.begin(), stored.end()}); }),
+        repeated("write an image" + of, "library", [adapter, image] { consume(adapter->write(*image)); }),
+        repeated("read an image" + of, "an empty one", [adapter] { consume(adapter->read()); }),
+        repeated("write an image" + of, "an empty one", [adapter] { consume(adapter->write({})); }),
+        repeated("write an image" + of, "memcpy",
+                 [image] { consume(std::vector<std::byte>{image->begin(), image->end()}); }),
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    constexpr std::size_t kib = 1024;
+    std::vector<Way> ways;
+    for (const auto size : std::initializer_list<std::size_t>{64, 1024, 16 * kib, 256 * kib}) {
+        if (isCounted && size != 64)
+            break;
+        const auto of = " of " + std::to_string(size) + " KiB";
+        for (auto&& some : {files(size * kib, of), images(size * kib, of)})
+            ways.insert(ways.end(), some.begin(), some.end());
+    }
+    return ways;
 }
+
+} // namespace tarn::benchmarks

@@ -2,6 +2,7 @@
 // and by other ways to reach a control that the device may drop.
 
 #include "fakes.h"
+#include "shortesthandle.h"
 #include "ways.h"
 
 #include <devices/service/sdkloleakagecontrol.h>
@@ -15,8 +16,8 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
+#include <vector>
 
 namespace tarn::benchmarks {
 namespace {
@@ -47,116 +48,139 @@ std::function<Handle()> reacquire(const std::shared_ptr<Device>& device)
     return [device] { return Handle{device->control<Sdk>(Sdk::key)}; };
 }
 
-/// The least that does what `devices::ReacquiringControl` promises, for these two calls.
-class Shortest {
+std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<Device>& device)
+{
+    return std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire(device)});
+}
+
+/// What the adapter does, by hand.
+class ByHand {
 public:
-    explicit Shortest(std::function<Handle()> reacquire)
-        : m_reacquire{std::move(reacquire)}
-        , m_cached{m_reacquire()}
+    explicit ByHand(const std::shared_ptr<Device>& device)
+        : m_handle{reacquire(device)}
     {
     }
 
     [[gnu::noinline]] bool isEnabled()
     {
-        if (const auto control = lock())
+        if (const auto control = m_handle.lock())
             return control->isEnabled();
         return false;
     }
 
     [[gnu::noinline]] void setEnabled(bool enabled)
     {
-        if (const auto control = lock())
+        if (const auto control = m_handle.lock())
             control->setEnabled(enabled);
     }
 
 private:
-    std::shared_ptr<Sdk> lock()
-    {
-        Handle cached;
-        {
-            const std::scoped_lock lock{m_mutex};
-            cached = m_cached;
-        }
-        if (auto control = cached.lock())
-            return control;
-        auto fresh = m_reacquire();
-        auto control = fresh.lock();
-        const std::scoped_lock lock{m_mutex};
-        m_cached = std::move(fresh);
-        return control;
-    }
-
-    std::function<Handle()> m_reacquire;
-    std::mutex m_mutex;
-    Handle m_cached;
+    ShortestHandle<Sdk> m_handle;
 };
 
-void addPeers(const std::shared_ptr<Device>& device)
+template <class Control>
+Way getter(const char* name, const std::shared_ptr<Control>& control)
 {
-    const auto control = device->control<Sdk>(Sdk::key);
-    add("getter", "raw call", [control] { benchmark::DoNotOptimize(control->isEnabled()); });
+    return repeated("getter", name, [control] { consume(control->isEnabled()); });
+}
 
-    add("getter", "weak_ptr", [control, weak = std::weak_ptr{control}] {
-        if (const auto locked = weak.lock())
-            benchmark::DoNotOptimize(locked->isEnabled());
-    });
+template <class Control>
+Way setter(const char* name, const std::shared_ptr<Control>& control)
+{
+    return repeated("setter", name, [control] { control->setEnabled(true); });
+}
 
-    add("getter", "asking the device", [device] {
-        if (const auto locked = device->control<Sdk>(Sdk::key))
-            benchmark::DoNotOptimize(locked->isEnabled());
-    });
-
-    const auto atomic = std::make_shared<std::atomic<std::weak_ptr<Sdk>>>(control);
-    add("getter", "atomic<weak_ptr>", [control, atomic] {
-        if (const auto locked = atomic->load().lock())
-            benchmark::DoNotOptimize(locked->isEnabled());
-    });
-
-    struct QtHandle {
-        QMutex mutex;
-        std::shared_ptr<Sdk> control = makeLoLeakage();
-        QSharedPointer<Sdk> owner{control.get(), [](Sdk*) { }};
-        QWeakPointer<Sdk> weak{owner};
-    };
-    add("getter", "QMutex and QWeakPointer", [qt = std::make_shared<QtHandle>()] {
-        QWeakPointer<Sdk> weak;
-        {
-            const QMutexLocker lock{&qt->mutex};
-            weak = qt->weak;
-        }
-        if (const auto locked = weak.toStrongRef())
-            benchmark::DoNotOptimize(locked->isEnabled());
+/// The getter of a control that the device has replaced since the last call.
+template <class Control>
+Way reacquiringGetter(const char* name, const std::shared_ptr<Device>& device, const std::shared_ptr<Control>& control)
+{
+    return repeated("reacquiring getter", name, [device, control] {
+        device->renew();
+        consume(control->isEnabled());
     });
 }
 
-void addAll()
+/// Two threads, each with a control of its own, and one alone.
+std::vector<Way> besideAnother()
 {
-    const auto device = std::make_shared<Device>();
-    const auto adapter = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire(device)});
-    const auto shortest = std::make_shared<Shortest>(reacquire(device));
-    add("getter", "library", [adapter] { benchmark::DoNotOptimize(adapter->isEnabled()); });
-    add("getter", "shortest code", [shortest] { benchmark::DoNotOptimize(shortest->isEnabled()); });
-    add("setter", "library", [adapter] { adapter->setEnabled(true); });
-    add("setter", "shortest code", [shortest] { shortest->setEnabled(true); });
-    addPeers(device);
+    const auto adapter = [] { return adapterOf(std::make_shared<Device>()); };
+    const auto byHand = [] { return std::make_shared<ByHand>(std::make_shared<Device>()); };
+    const auto asking = [](const auto& control) { return [control] { consume(control->isEnabled()); }; };
+    std::vector<Way> ways{
+        beside(asking(adapter()), getter("library", adapter())),
+        getter("alone", adapter()),
+        beside(asking(byHand()), getter("shortest code", byHand())),
+        getter("shortest code alone", byHand()),
+    };
+    for (auto& way : ways)
+        way.row = "getter beside another thread";
+    return ways;
+}
 
-    const auto restless = std::make_shared<Device>();
-    const auto reacquiring = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire(restless)});
-    const auto shortestReacquiring = std::make_shared<Shortest>(reacquire(restless));
-    add("reacquiring getter", "library", [restless, reacquiring] {
-        restless->renew();
-        benchmark::DoNotOptimize(reacquiring->isEnabled());
-    });
-    add("reacquiring getter", "shortest code", [restless, shortestReacquiring] {
-        restless->renew();
-        benchmark::DoNotOptimize(shortestReacquiring->isEnabled());
-    });
+struct QtHandle {
+    QMutex mutex;
+    std::shared_ptr<Sdk> control = makeLoLeakage();
+    QSharedPointer<Sdk> owner{control.get(), [](Sdk*) { }};
+    QWeakPointer<Sdk> weak{owner};
+
+    [[nodiscard]] bool isEnabled()
+    {
+        QWeakPointer<Sdk> copy;
+        {
+            const QMutexLocker lock{&mutex};
+            copy = weak;
+        }
+        const auto locked = copy.toStrongRef();
+        return locked && locked->isEnabled();
+    }
+};
+
+/// Other ways to reach a control that may be gone, and one that cannot be.
+std::vector<Way> otherGetters(const std::shared_ptr<Device>& device)
+{
+    const auto control = device->control<Sdk>(Sdk::key);
+    const auto atomic = std::make_shared<std::atomic<std::weak_ptr<Sdk>>>(control);
+    return {
+        getter("raw call", control),
+        repeated("getter", "weak_ptr",
+                 [control, weak = std::weak_ptr{control}] {
+                     if (const auto locked = weak.lock())
+                         consume(locked->isEnabled());
+                 }),
+        repeated("getter", "asking the device",
+                 [device] {
+                     if (const auto locked = device->control<Sdk>(Sdk::key))
+                         consume(locked->isEnabled());
+                 }),
+        repeated("getter", "atomic<weak_ptr>",
+                 [control, atomic] {
+                     if (const auto locked = atomic->load().lock())
+                         consume(locked->isEnabled());
+                 }),
+        getter("QMutex and QWeakPointer", std::make_shared<QtHandle>()),
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    const auto device = std::make_shared<Device>();
+    const auto adapter = adapterOf(device);
+    const auto byHand = std::make_shared<ByHand>(device);
+    const auto restless = std::make_shared<Device>();
+    std::vector<Way> ways{
+        getter("library", adapter),
+        getter("shortest code", byHand),
+        setter("library", adapter),
+        setter("shortest code", byHand),
+        reacquiringGetter("library", restless, adapterOf(restless)),
+        reacquiringGetter("shortest code", restless, std::make_shared<ByHand>(restless)),
+        repeated("reacquiring getter", "the drop alone", [restless] { restless->renew(); }),
+    };
+    for (auto&& others : {otherGetters(device), besideAnother()})
+        ways.insert(ways.end(), others.begin(), others.end());
+    return ways;
 }
+
+} // namespace tarn::benchmarks

@@ -1,29 +1,60 @@
-// What it costs to bring the data of a write into the SDK's form: the library's way against
-// `reserve` and `push_back` of the same fields.
+// What it costs to bring lists of records into the SDK's form and back: the library's way against `reserve` and
+// `push_back` of the same fields.
 
 #include "ways.h"
 
 #include <devices/service/frequencyplanconversion.h>
+#include <devices/service/sdkfilememorycontrol.h>
 #include <devices/service/sdkvellfactorypowercalibrationcontrol.h>
 #include <devices/service/sdkvellifswcalibrationcontrol.h>
 
+#include <QList>
+#include <QString>
+
 #include <cstddef>
 #include <cstdint>
+#include <expected>
+#include <future>
+#include <initializer_list>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
 namespace tarn::benchmarks {
 namespace {
 
-constexpr std::size_t count = 100'000;
-
 using devices::ReacquiringControl;
+using devices::service::IFileMemoryControl;
+using devices::service::SdkFileMemoryControl;
 using devices::service::SdkVellFactoryPowerCalibrationControl;
 using devices::service::SdkVellIfswCalibrationControl;
+using SdkFiles = sdk::service::IFileMemoryControl;
 using SdkIfsw = sdk::service::IVellIfswCalibrationControl;
 using SdkPower = sdk::service::IVellFactoryPowerCalibrationControl;
+
+/// Has so many files, which it lists.
+class Listing final : public SdkFiles {
+public:
+    explicit Listing(std::size_t count)
+    {
+        for (std::size_t i = 0; i != count; ++i)
+            files.push_back({"calibration/module " + std::to_string(i), i});
+    }
+
+    bool isAvailable() override { return true; }
+    void fileList(sdk::Completion<std::vector<FileInfo>> done) override { done(files, {}); }
+    void spaceInfo(sdk::Completion<SpaceInfo> done) override { done({}, {}); }
+    void readFile(const FileInfo& /*file*/, sdk::Completion<std::vector<std::uint8_t>> done) override { done({}, {}); }
+    void writeFile(std::string /*name*/, std::vector<std::uint8_t> /*contents*/, sdk::Completion<> done) override
+    {
+        done({});
+    }
+    void deleteFile(const FileInfo& /*file*/, sdk::Completion<> done) override { done({}); }
+
+    std::vector<FileInfo> files;
+};
 
 /// Controls that take what they are given and forget it.
 class IfswSink final : public SdkIfsw {
@@ -31,11 +62,7 @@ public:
     void addObserver(Observer* /*observer*/) override { }
     void removeObserver(Observer* /*observer*/) override { }
     sdk::FrequencyPlan frequencyPlan() override { return {}; }
-    void saveCalibrationData(IfswCalibrationData data) override
-    {
-        benchmark::DoNotOptimize(data.reference.ratios.data());
-        benchmark::ClobberMemory();
-    }
+    void saveCalibrationData(IfswCalibrationData data) override { consume(data); }
 };
 
 class PowerSink final : public SdkPower {
@@ -45,8 +72,7 @@ public:
     sdk::FrequencyPlan frequencyPlan() override { return {}; }
     void saveCalibrationData(std::int64_t /*time*/, std::vector<PowerCalPoint> points, double /*temperature*/) override
     {
-        benchmark::DoNotOptimize(points.data());
-        benchmark::ClobberMemory();
+        consume(points);
     }
 };
 
@@ -56,7 +82,7 @@ ReacquiringControl<Interface> handleTo(const std::shared_ptr<Sink>& sink)
     return ReacquiringControl<Interface>{[sink] { return sdk::ControlHandle<Interface>{sink}; }};
 }
 
-std::vector<vna::FrequencySegment> segments()
+std::vector<vna::FrequencySegment> segments(std::size_t count)
 {
     std::vector<vna::FrequencySegment> plan(count);
     for (std::size_t i = 0; i != count; ++i) {
@@ -87,16 +113,12 @@ std::vector<vna::FrequencySegment> plainFromSdk(const sdk::FrequencyPlan& plan)
 
 /// A conversion of a plan, together with the end of its result.
 template <class Plan>
-void addPlan(const std::string& row, const std::string& way, const Plan& plan, auto (*convert)(const Plan&))
+Way conversion(const std::string& row, const char* name, const Plan& plan, auto (*convert)(const Plan&))
 {
-    add(row, way, [plan, convert] {
-        const auto result = convert(plan);
-        benchmark::DoNotOptimize(&result);
-        benchmark::ClobberMemory();
-    });
+    return repeated(row, name, [plan, convert] { consume(convert(plan)); });
 }
 
-std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points()
+std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points(std::size_t count)
 {
     std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> result(count);
     for (std::size_t i = 0; i != count; ++i) {
@@ -117,7 +139,7 @@ void plainPoints(SdkPower& sink, std::vector<SdkVellFactoryPowerCalibrationContr
     sink.saveCalibrationData(0, std::move(to), 0.0);
 }
 
-SdkVellIfswCalibrationControl::IfswCalibrationData records()
+SdkVellIfswCalibrationControl::IfswCalibrationData records(std::size_t count)
 {
     SdkVellIfswCalibrationControl::IfswCalibrationData data;
     for (std::size_t i = 0; i != count / 2; ++i) {
@@ -141,35 +163,77 @@ void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationD
     sink.saveCalibrationData(std::move(to));
 }
 
-void addAll()
+/// The request of the list of files by hand.
+[[gnu::noinline]] std::expected<QList<IFileMemoryControl::FileInfo>, QString> plainList(SdkFiles& control)
+{
+    std::promise<std::expected<QList<IFileMemoryControl::FileInfo>, QString>> promise;
+    auto future = promise.get_future();
+    control.fileList([&promise](const std::vector<SdkFiles::FileInfo>& files, std::error_code) {
+        QList<IFileMemoryControl::FileInfo> list;
+        list.reserve(static_cast<qsizetype>(files.size()));
+        for (const auto& file : files)
+            list.push_back({QString::fromUtf8(file.name), file.size});
+        promise.set_value(std::move(list));
+    });
+    return future.get();
+}
+
+std::vector<Way> plans(std::size_t count, const std::string& of)
 {
     namespace service = devices::service;
-    const auto plan = segments();
+    const auto plan = segments(count);
     const auto sdkPlan = plainToSdk(plan);
-    addPlan("segments to the SDK", "library", plan, &service::toSdkFrequencyPlan);
-    addPlan("segments to the SDK", "push_back", plan, &plainToSdk);
-    addPlan("segments from the SDK", "library", sdkPlan, &service::fromSdkFrequencyPlan);
-    addPlan("segments from the SDK", "push_back", sdkPlan, &plainFromSdk);
+    return {
+        conversion("segments to the SDK" + of, "library", plan, &service::toSdkFrequencyPlan),
+        conversion("segments to the SDK" + of, "push_back", plan, &plainToSdk),
+        conversion("segments from the SDK" + of, "library", sdkPlan, &service::fromSdkFrequencyPlan),
+        conversion("segments from the SDK" + of, "push_back", sdkPlan, &plainFromSdk),
+    };
+}
 
+std::vector<Way> calibrations(std::size_t count, const std::string& of)
+{
     const auto powerSink = std::make_shared<PowerSink>();
     const auto power = std::make_shared<SdkVellFactoryPowerCalibrationControl>(handleTo<SdkPower>(powerSink));
-    const auto somePoints = [data = points()] { return data; };
-    add("power points", "library", somePoints,
-        [power](auto data) { power->saveCalibrationData({}, 0.0, std::move(data)); });
-    add("power points", "push_back", somePoints, [powerSink](auto data) { plainPoints(*powerSink, std::move(data)); });
-
+    const auto somePoints = [data = points(count)] { return data; };
     const auto ifswSink = std::make_shared<IfswSink>();
     const auto ifsw = std::make_shared<SdkVellIfswCalibrationControl>(handleTo<SdkIfsw>(ifswSink));
-    const auto someRecords = [data = records()] { return data; };
-    add("IF-switch records", "library", someRecords, [ifsw](auto data) { ifsw->saveCalibrationData(std::move(data)); });
-    add("IF-switch records", "push_back", someRecords,
-        [ifswSink](auto data) { plainRecords(*ifswSink, std::move(data)); });
+    const auto someRecords = [data = records(count)] { return data; };
+    return {
+        prepared("power points" + of, "library", somePoints,
+                 [power](auto data) { power->saveCalibrationData({}, 0.0, std::move(data)); }),
+        prepared("power points" + of, "push_back", somePoints,
+                 [powerSink](auto data) { plainPoints(*powerSink, std::move(data)); }),
+        prepared("IF-switch records" + of, "library", someRecords,
+                 [ifsw](auto data) { ifsw->saveCalibrationData(std::move(data)); }),
+        prepared("IF-switch records" + of, "push_back", someRecords,
+                 [ifswSink](auto data) { plainRecords(*ifswSink, std::move(data)); }),
+    };
+}
+
+std::vector<Way> fileLists(std::size_t count, const std::string& of)
+{
+    const auto listing = std::make_shared<Listing>(count);
+    const auto adapter = std::make_shared<SdkFileMemoryControl>(handleTo<SdkFiles>(listing));
+    return {
+        repeated("names of files" + of, "library", [adapter] { consume(adapter->fileList()); }),
+        repeated("names of files" + of, "push_back", [listing] { consume(plainList(*listing)); }),
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    std::vector<Way> ways;
+    for (const auto count : std::initializer_list<std::size_t>{1'000, 30'000, 1'000'000}) {
+        if (isCounted && count != 1'000)
+            break;
+        const auto of = ", " + std::to_string(count);
+        for (auto&& some : {plans(count, of), calibrations(count, of), fileLists(count, of)})
+            ways.insert(ways.end(), some.begin(), some.end());
+    }
+    return ways;
 }
+
+} // namespace tarn::benchmarks

@@ -41,20 +41,17 @@ std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
         devices::ReacquiringControl<Sdk>{[device] { return sdk::ControlHandle<Sdk>{device->control<Sdk>(Sdk::key)}; }});
 }
 
-void addAll()
+Way reading(const char* name, const std::shared_ptr<sdk::IVna>& device)
 {
-    const auto device = std::make_shared<Device>();
-    const auto read = [](const std::shared_ptr<Adapter>& adapter) {
-        return [adapter] { benchmark::DoNotOptimize(adapter->serialNumber()); };
-    };
-    add("guarded request", "library", read(adapterOf(guard::guarded(device, {}))));
-    add("guarded request", "without the guard", read(adapterOf(device)));
+    return repeated("guarded request", name, [adapter = adapterOf(device)] { consume(adapter->serialNumber()); });
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    const auto device = std::make_shared<Device>();
+    return {reading("library", guard::guarded(device, {})), reading("without the guard", device)};
 }
+
+} // namespace tarn::benchmarks

@@ -8,7 +8,9 @@
 
 #include <QObject>
 
+#ifdef TARN_WITH_BOOST
 #include <boost/signals2/signal.hpp>
+#endif
 
 #include <cstddef>
 #include <initializer_list>
@@ -62,7 +64,9 @@ struct Audience {
             auto& ear = *ears.emplace_back(makeEars());
             adapter->addObserver(ear);
             pointers.push_back(&ear);
+#ifdef TARN_WITH_BOOST
             boostSignal.connect([&ear](const Progress& progress) { ear.onWriteProgressChanged(progress); });
+#endif
             receivers.push_back(std::make_unique<Receiver>());
             QObject::connect(&sender, &Sender::progressChanged, receivers.back().get(), &Receiver::onProgressChanged,
                              Qt::DirectConnection);
@@ -77,7 +81,9 @@ struct Audience {
     std::mutex mutex;
     std::vector<Adapter::IObserver*> pointers;
     Sender sender;
+#ifdef TARN_WITH_BOOST
     boost::signals2::signal<void(const Progress&)> boostSignal;
+#endif
 };
 
 [[gnu::noinline]] void tellAll(const std::vector<Adapter::IObserver*>& observers, const Progress& progress)
@@ -86,28 +92,33 @@ struct Audience {
         observer->onWriteProgressChanged(progress);
 }
 
-void addAll()
+/// One notification, handed on to so many observers.
+std::vector<Way> progressTo(std::size_t size)
 {
-    for (const auto size : std::initializer_list<std::size_t>{1, 10, 100, 10'000}) {
-        const auto row = "progress to " + std::to_string(size);
-        const auto audience = std::make_shared<Audience>(size);
-        add(row, "library", [audience] { audience->control->attached->onWriteProgressChanged(1, 2); });
-        add(row, "lock and raw loop", [audience] {
-            const std::scoped_lock lock{audience->mutex};
-            tellAll(audience->pointers, {2, 1});
-        });
-        add(row, "raw loop", [audience] { tellAll(audience->pointers, {2, 1}); });
-        add(row, "Qt direct connection", [audience] { Q_EMIT audience->sender.progressChanged({2, 1}); });
-        add(row, "boost::signals2", [audience] { audience->boostSignal({2, 1}); });
-    }
+    const auto row = "progress to " + std::to_string(size);
+    const auto audience = std::make_shared<Audience>(size);
+    return {
+        repeated(row, "library", [audience] { audience->control->attached->onWriteProgressChanged(1, 2); }),
+        repeated(row, "lock", [audience] { const std::scoped_lock lock{audience->mutex}; }),
+        repeated(row, "raw loop", [audience] { tellAll(audience->pointers, {2, 1}); }),
+        repeated(row, "Qt direct connection", [audience] { Q_EMIT audience->sender.progressChanged({2, 1}); }),
+#ifdef TARN_WITH_BOOST
+        repeated(row, "boost::signals2", [audience] { audience->boostSignal({2, 1}); }),
+#endif
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    std::vector<Way> ways;
+    for (const auto size : std::initializer_list<std::size_t>{1, 10, 100, 10'000})
+        for (auto& way : progressTo(size))
+            ways.push_back(std::move(way));
+    return ways;
 }
+
+} // namespace tarn::benchmarks
 
 #include "observers.moc"

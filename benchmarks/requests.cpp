@@ -1,6 +1,7 @@
 // A request that ends in a completion, made as a call that returns its result: through the adapter, and by other ways
 // to wait for a callback. The device completes it before the operation returns, or from a thread of its own.
 
+#include "shortesthandle.h"
 #include "ways.h"
 
 #include <devices/service/sdkserialnumbercontrol.h>
@@ -11,7 +12,9 @@
 #include <QMetaObject>
 #include <QPromise>
 
+#ifdef TARN_WITH_BOOST
 #include <boost/asio/use_future.hpp>
+#endif
 
 #include <condition_variable>
 #include <expected>
@@ -119,6 +122,7 @@ Result outcome(unsigned int value, std::error_code code)
     return result;
 }
 
+#ifdef TARN_WITH_BOOST
 [[gnu::noinline]] Result byAsio(Sdk& control)
 {
     auto future = boost::asio::async_initiate<decltype(boost::asio::use_future), void(Result)>(
@@ -130,6 +134,7 @@ Result outcome(unsigned int value, std::error_code code)
         boost::asio::use_future);
     return future.get();
 }
+#endif
 
 [[gnu::noinline]] Result byConditionVariable(Sdk& control)
 {
@@ -148,36 +153,40 @@ Result outcome(unsigned int value, std::error_code code)
     return result;
 }
 
-void addWays(const std::string& row, const std::shared_ptr<Sdk>& control)
+std::vector<Way> requests(const std::string& row, const std::shared_ptr<Sdk>& control)
 {
-    const auto adapter = std::make_shared<Adapter>(
-        devices::ReacquiringControl<Sdk>{[control] { return sdk::ControlHandle<Sdk>{control}; }});
-    add(row, "library", [adapter] { benchmark::DoNotOptimize(adapter->serialNumber()); });
-
-    const auto addPeer = [&](const char* way, Result (*wait)(Sdk&)) {
-        add(row, way, [weak = std::weak_ptr{control}, wait] {
-            const auto locked = weak.lock();
-            benchmark::DoNotOptimize(wait(*locked));
+    const auto reacquire = [control] { return sdk::ControlHandle<Sdk>{control}; };
+    const auto peer = [&](const char* name, Result (*wait)(Sdk&)) {
+        return repeated(row, name, [handle = std::make_shared<ShortestHandle<Sdk>>(reacquire), wait] {
+            const auto locked = handle->lock();
+            consume(locked ? wait(*locked) : std::unexpected{Error::Failed});
         });
     };
-    addPeer("promise and future", &byPromise);
-    addPeer("QPromise", &byQPromise);
-    addPeer("QEventLoop", &byEventLoop);
-    addPeer("asio use_future", &byAsio);
-    addPeer("condition variable", &byConditionVariable);
-}
-
-void addAll()
-{
-    addWays("request, completed at once", std::make_shared<Inline>());
-    addWays("request, completed from another thread", std::make_shared<Remote>());
+    const auto adapter = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire});
+    return {
+        repeated(row, "library", [adapter] { consume(adapter->serialNumber()); }),
+        peer("promise and future", &byPromise),
+        peer("QPromise", &byQPromise),
+        peer("QEventLoop", &byEventLoop),
+#ifdef TARN_WITH_BOOST
+        peer("asio use_future", &byAsio),
+#endif
+        peer("condition variable", &byConditionVariable),
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    const QCoreApplication application{argc, argv}; // without one there are no event loops
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    static char name[] = "requests";
+    static char* arguments[] = {name, nullptr};
+    static int argumentCount = 1;
+    static const QCoreApplication application{argumentCount, arguments}; // without one there are no event loops
+    auto ways = requests("request, completed at once", std::make_shared<Inline>());
+    for (auto& way : requests("request, completed from another thread", std::make_shared<Remote>()))
+        ways.push_back(std::move(way));
+    return ways;
 }
+
+} // namespace tarn::benchmarks

@@ -40,7 +40,7 @@ private:
     ModuleTemperatures m_temperatures;
 };
 
-/// What a refresh has to do, and no more.
+/// What the adapter has to do, and no more.
 class ByHand {
 public:
     [[gnu::noinline]] void refresh(Sdk& control)
@@ -58,29 +58,54 @@ public:
         m_temperature = temperature;
     }
 
+    [[nodiscard]] [[gnu::noinline]] std::vector<Adapter::ModuleTemperature> modules()
+    {
+        const std::scoped_lock lock{m_mutex};
+        return m_modules;
+    }
+
 private:
     std::mutex m_mutex;
     std::vector<Adapter::ModuleTemperature> m_modules;
     double m_temperature = 0;
 };
 
-void addAll()
+std::vector<Way> snapshots(int modules)
 {
-    for (const int modules : {10, 100, 1'000}) {
-        const auto of = " of " + std::to_string(modules) + " temperatures";
-        const auto control = std::make_shared<Temperatures>(modules);
-        const auto adapter = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{
-            [control] { return sdk::ControlHandle<Sdk>{std::shared_ptr<Sdk>{control}}; }});
-        add("refresh" + of, "library", [control, adapter] { control->attached->onTemperatureChanged(); });
-        add("refresh" + of, "by hand", [control, hand = std::make_shared<ByHand>()] { hand->refresh(*control); });
-        add("reading" + of, "library", [adapter] { benchmark::DoNotOptimize(adapter->modulesTemperature()); });
-    }
+    const auto of = " of " + std::to_string(modules) + " temperatures";
+    const auto control = std::make_shared<Temperatures>(modules);
+    const auto adapter = std::make_shared<Adapter>(
+        devices::ReacquiringControl<Sdk>{[control] { return sdk::ControlHandle<Sdk>{std::shared_ptr<Sdk>{control}}; }});
+    const auto hand = std::make_shared<ByHand>();
+    hand->refresh(*control);
+    const auto refresh = [control] { control->attached->onTemperatureChanged(); };
+    const auto read = [adapter] { consume(adapter->modulesTemperature()); };
+    const auto readByHand = [hand] { consume(hand->modules()); };
+    const auto alone = [&](const std::string& row) { return repeated(row, "alone", read); };
+    return {
+        repeated("refresh" + of, "library", refresh),
+        repeated("refresh" + of, "by hand", [control, hand] { hand->refresh(*control); }),
+        repeated("reading" + of, "library", read),
+        repeated("reading" + of, "by hand", readByHand),
+        beside(read, repeated("reading" + of + " beside another reader", "library", read)),
+        beside(readByHand, repeated("reading" + of + " beside another reader", "by hand", readByHand)),
+        alone("reading" + of + " beside another reader"),
+        beside(refresh, repeated("reading" + of + " beside refreshes", "library", read)),
+        beside([control, hand] { hand->refresh(*control); },
+               repeated("reading" + of + " beside refreshes", "by hand", readByHand)),
+        alone("reading" + of + " beside refreshes"),
+    };
 }
 
 } // namespace
-} // namespace tarn::benchmarks
 
-int main(int argc, char** argv)
+std::vector<Way> allWays()
 {
-    return tarn::benchmarks::runAll(argc, argv, &tarn::benchmarks::addAll);
+    std::vector<Way> ways;
+    for (const int modules : {10, 100, 1'000})
+        for (auto& way : snapshots(modules))
+            ways.push_back(std::move(way));
+    return ways;
 }
+
+} // namespace tarn::benchmarks

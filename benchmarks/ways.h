@@ -1,54 +1,82 @@
 #pragma once
 
-#include <benchmark/benchmark.h>
-
-#include <chrono>
 #include <cstdint>
+#include <functional>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace tarn::benchmarks {
 
-/// How many blocks this thread has allocated with `new` so far.
-[[nodiscard]] std::uint64_t allocations();
+/// One way of doing what a row of the table is about: `library`, or that of a peer.
+struct Way {
+    std::string row;
+    std::string name;
+    std::function<void(std::uint64_t times)> run; ///< measures what it does so many times
+};
 
-/// Makes `run` one way of doing what a row of the table is about: `library`, or a peer. Each benchmark is named
-/// `row/way` and tells, beside its time, how many blocks one call allocates.
+/// While one lives, what its thread does is measured: timed, or counted, as the program is linked for.
+class Measured {
+public:
+    Measured();
+    ~Measured();
+    Measured(const Measured&) = delete;
+    Measured& operator=(const Measured&) = delete;
+};
+
+/// Whether this program counts, which is slow: then the larger sizes are left out.
+extern const bool isCounted;
+
+/// Every way that this program measures. Each benchmark is a file that defines it.
+[[nodiscard]] std::vector<Way> allWays();
+
+/// Has the compiler believe that `value`, with all that it leads to, is needed.
+template <class T>
+void consume(const T& value)
+{
+    asm volatile("" : : "g"(&value) : "memory"); // NOLINT(hicpp-no-assembler)
+}
+
+/// A way that does the same again and again. What it makes once for all, the first time, does not count.
 template <class Run>
-void add(const std::string& row, const std::string& way, Run run)
+[[nodiscard]] Way repeated(std::string row, std::string name, Run run)
 {
-    benchmark::RegisterBenchmark((row + '/' + way).c_str(), [run = std::move(run)](benchmark::State& state) {
-        run(); // what is made once for all does not count
-        const auto before = allocations();
-        run();
-        const auto made = allocations() - before;
-        for ([[maybe_unused]] const auto iteration : state)
-            run();
-        state.counters["allocations"] = static_cast<double>(made);
-    });
+    return {std::move(row), std::move(name), [run = std::move(run)](std::uint64_t times) mutable {
+                run();
+                const Measured measured;
+                for (; times != 0; --times)
+                    run();
+            }};
 }
 
-/// The same, where each call uses up what `prepare` makes, whose time does not count.
+/// A way that each time uses up what `prepare` makes, which does not count.
 template <class Prepare, class Run>
-void add(const std::string& row, const std::string& way, Prepare prepare, Run run)
+[[nodiscard]] Way prepared(std::string row, std::string name, Prepare prepare, Run run)
 {
-    const auto measure = [prepare = std::move(prepare), run = std::move(run)](benchmark::State& state) {
-        std::uint64_t made = 0;
-        for ([[maybe_unused]] const auto iteration : state) {
-            auto input = prepare();
-            const auto before = allocations();
-            const auto start = std::chrono::steady_clock::now();
-            run(std::move(input));
-            state.SetIterationTime(std::chrono::duration<double>{std::chrono::steady_clock::now() - start}.count());
-            made = allocations() - before;
-        }
-        state.counters["allocations"] = static_cast<double>(made);
-    };
-    benchmark::RegisterBenchmark((row + '/' + way).c_str(), measure)->UseManualTime();
+    return {std::move(row), std::move(name),
+            [prepare = std::move(prepare), run = std::move(run)](std::uint64_t times) mutable {
+                for (; times != 0; --times) {
+                    auto input = prepare();
+                    const Measured measured;
+                    run(std::move(input));
+                }
+            }};
 }
 
-/// What a program of benchmarks does: runs those that `addAll` registers, interleaved, and reports medians. What the
-/// command line says comes later and therefore counts.
-int runAll(int argc, char** argv, void (*addAll)());
+/// A way while a thread of its own does `task` again and again.
+template <class Task>
+[[nodiscard]] Way beside(Task task, Way way)
+{
+    way.run = [task = std::move(task), alone = std::move(way.run)](std::uint64_t times) {
+        const std::jthread other{[&task](const std::stop_token& stop) {
+            while (!stop.stop_requested())
+                task();
+        }};
+        alone(times);
+    };
+    return way;
+}
 
 } // namespace tarn::benchmarks

@@ -1,71 +1,57 @@
+// Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, run interleaved with the others;
+// medians.
+
 #include "ways.h"
 
+#include <benchmark/benchmark.h>
+
 #include <chrono>
-#include <cstddef>
 #include <cstdlib>
-#include <new>
 #include <stop_token>
 #include <thread>
-#include <vector>
 
+namespace tarn::benchmarks {
 namespace {
 
-thread_local std::uint64_t made = 0;
+using Clock = std::chrono::steady_clock;
 
-void* allocate(std::size_t size)
+Clock::time_point begin;
+std::chrono::duration<double> elapsed{};
+
+void measure(benchmark::State& state, const Way& way)
 {
-    ++made;
-    if (void* const block = std::malloc(size > 0 ? size : 1)) // NOLINT(cppcoreguidelines-no-malloc)
-        return block;
-    throw std::bad_alloc{};
+    while (state.KeepRunningBatch(state.max_iterations)) {
+        elapsed = {};
+        way.run(static_cast<std::uint64_t>(state.max_iterations));
+        state.SetIterationTime(elapsed.count());
+    }
 }
 
 } // namespace
 
-void* operator new(std::size_t size)
+const bool isCounted = false;
+
+Measured::Measured()
 {
-    return allocate(size);
+    begin = Clock::now();
 }
 
-void* operator new[](std::size_t size)
+Measured::~Measured()
 {
-    return allocate(size);
+    elapsed += Clock::now() - begin;
 }
 
-void operator delete(void* block) noexcept
-{
-    std::free(block); // NOLINT(cppcoreguidelines-no-malloc)
-}
+} // namespace tarn::benchmarks
 
-void operator delete[](void* block) noexcept
+int main(int argc, char** argv)
 {
-    std::free(block); // NOLINT(cppcoreguidelines-no-malloc)
-}
-
-void operator delete(void* block, std::size_t) noexcept
-{
-    std::free(block); // NOLINT(cppcoreguidelines-no-malloc)
-}
-
-void operator delete[](void* block, std::size_t) noexcept
-{
-    std::free(block); // NOLINT(cppcoreguidelines-no-malloc)
-}
-
-namespace tarn::benchmarks {
-
-std::uint64_t allocations()
-{
-    return made;
-}
-
-int runAll(int argc, char** argv, void (*addAll)())
-{
+    using namespace tarn::benchmarks;
     // A program with one thread would be spared the atomic operations.
     const std::jthread other{[](const std::stop_token& stop) {
         while (!stop.stop_requested())
             std::this_thread::sleep_for(std::chrono::milliseconds{100});
     }};
+    // What the command line says comes later and therefore counts.
     char interleaved[] = "--benchmark_enable_random_interleaving=true";
     char repetitions[] = "--benchmark_repetitions=9";
     char seconds[] = "--benchmark_min_time=0.05";
@@ -76,8 +62,8 @@ int runAll(int argc, char** argv, void (*addAll)())
     benchmark::Initialize(&argumentCount, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
         return EXIT_FAILURE;
-    addAll();
+    const auto ways = allWays();
+    for (const auto& way : ways)
+        benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way)->UseManualTime();
     return benchmark::RunSpecifiedBenchmarks() > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
-
-} // namespace tarn::benchmarks

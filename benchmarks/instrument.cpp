@@ -1,0 +1,49 @@
+// The simulated instrument through the library: a plain operation, and its largest image.
+
+#include "ways.h"
+
+#include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkmemoryoperationscontrol.h>
+#include <sdk/ivna.h>
+#include <simulator/open.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace tarn::benchmarks {
+namespace {
+
+using devices::service::SdkLoLeakageControl;
+using devices::service::SdkMemoryOperationsControl;
+using SdkMemory = sdk::service::IMemoryOperationsControl;
+using SdkLoLeakage = sdk::service::ILoLeakageControl;
+
+template <class Adapter, class Sdk>
+std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
+{
+    return std::make_shared<Adapter>(
+        devices::ReacquiringControl<Sdk>{[device] { return sdk::ControlHandle<Sdk>{device->control<Sdk>(Sdk::key)}; }});
+}
+
+} // namespace
+
+std::vector<Way> allWays()
+{
+    const auto address = QStringLiteral("profile=full,memory-size=256MiB,speed=unlimited");
+    const auto device = simulator::open({address, QStringLiteral("none")}).value();
+    const auto leakage = adapterOf<SdkLoLeakageControl, SdkLoLeakage>(device);
+    const auto memory = adapterOf<SdkMemoryOperationsControl, SdkMemory>(device);
+    const auto image = std::make_shared<const std::vector<std::byte>>(std::size_t{256} << 20U, std::byte{0xa5});
+    const auto copy = [image] { consume(std::vector<std::byte>{image->begin(), image->end()}); };
+    return {
+        repeated("operation of the simulated instrument", "library", [leakage] { consume(leakage->isEnabled()); }),
+        repeated("read the simulated memory of 256 MiB", "library", [memory] { consume(memory->read()); }),
+        repeated("read the simulated memory of 256 MiB", "memcpy", copy),
+        repeated("write the simulated memory of 256 MiB", "library",
+                 [memory, image] { consume(memory->write(*image)); }),
+        repeated("write the simulated memory of 256 MiB", "memcpy", copy),
+    };
+}
+
+} // namespace tarn::benchmarks
