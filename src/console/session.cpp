@@ -127,7 +127,8 @@ std::unique_ptr<Instrument> Session::open()
 void Session::close(int code)
 {
     limitDeviceCalls(m_options.timeout, [output = m_output, code] { output.endUnclosed(code); });
-    const DeviceCall call;
+    static const auto* const untilTheEnd = new DeviceCall; // plug-ins go after `main`, and may not come back from that
+    static_cast<void>(untilTheEnd);
     m_instrument.reset();
 }
 

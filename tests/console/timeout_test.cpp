@@ -244,6 +244,16 @@ TEST_F(TimeoutTest, AnInstrumentThatCannotBeClosedTakesNothingBack)
     EXPECT_THAT(failed.err.toStdString(), Not(HasSubstr("the command was done")));
 }
 
+TEST_F(TimeoutTest, AProviderThatCannotBeUnloadedTakesNothingBack)
+{
+    const auto outcome = at(QStringLiteral("stuck=unloading"), patient("--json lo-leakage show"));
+    EXPECT_EQ(outcome.exitCode, 5);
+    ASSERT_EQ(outcome.objects("result").size(), 1);
+    EXPECT_EQ(outcome.objects().size(), 1);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("did not answer in time while it was being closed\n"));
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("; the command was done before\n"));
+}
+
 TEST_F(TimeoutTest, IsAnErrorObjectWithJson)
 {
     for (const auto* const address : {silent, "stuck=files"}) {

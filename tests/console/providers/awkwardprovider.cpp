@@ -228,6 +228,9 @@ public:
         if (qEnvironmentVariableIsSet("AWKWARD_EXITS"))
             std::_Exit(EXIT_SUCCESS);
     }
+    AwkwardProvider(const AwkwardProvider&) = delete;
+    AwkwardProvider& operator=(const AwkwardProvider&) = delete;
+    ~AwkwardProvider() override { awkward::enter("unloading"); }
 
     QString name() const override
     {
