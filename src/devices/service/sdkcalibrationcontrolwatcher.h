@@ -12,8 +12,8 @@ namespace tarn::devices::service {
 /// Turns the notifications of a calibration controller into signals, through any number of drops
 /// and offers.
 ///
-/// Threads: bound to the thread that created it; calls through, and to detach blocks while one of its
-/// notifications runs on another thread.
+/// Threads: bound to the thread that created it; calls through, and to attach or detach blocks while one of
+/// its notifications runs on another thread.
 ///
 /// The signals bring no data with them but the per cent; they are emitted on the device's thread, and
 /// after a new offer on the watcher's own. The handle's signals reach the watcher at once if they are

@@ -107,6 +107,9 @@ public:
     /// may hear only of the next one; `InstrumentControls::undisturbed` keeps that from happening.
     ///
     /// If the instrument throws, that passes through, and `observer` has not been added.
+    ///
+    /// Threads: thread-safe; calls through; blocks while a notification of `observer` runs on another thread,
+    /// if it is removed meanwhile.
     void addObserver(Observer* observer);
 
     /// Removes `observer`, whether or not the instrument offers the control. Once this has returned
