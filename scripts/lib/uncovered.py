@@ -1,6 +1,7 @@
 """Reads what `llvm-cov export` writes and names every place below src/devices that was not reached:
 FILE:LINE, what was missed, and the line itself. Exit status 1 if there is one that is not listed in
-`coverage-exclusions`, or one listed there that was reached, or a source file there that the export does not know.
+`coverage-exclusions`, or one listed there that was reached, or a source file there that the export does not know, or if
+the export knows of no branches or conditions at all.
 
 A template is reached where any of its instances is.
 """
@@ -48,26 +49,29 @@ def main():
     unknown = sorted(path for path in (root / "src" / "devices").rglob("*.cpp") if str(path) not in known)
     for path in unknown:
         print(f"{path.relative_to(root)}: in none of the programs")
+    lacking = [kind for kind in ("branches", "mcdc_records") if not any(file[kind] for file in data["files"])]
+    for kind in lacking:
+        print(f"the export has no {kind}")
     listed = pathlib.Path(__file__).with_name("coverage-exclusions").read_text().splitlines()
-    exclusions = [line.split(None, 1) for line in listed if line and not line.startswith("#")]
+    exclusions = [line.split("|", 2) for line in listed if line and not line.startswith("#")]
     used, places = set(), set()
     for file, line, what in missed(data):
         path = pathlib.Path(file)
         if not path.is_relative_to(root / "src" / "devices"):
             continue
         text = path.read_text().splitlines()[line - 1].strip()
-        for name, pattern in exclusions:
-            if path.match(name) and fnmatch.fnmatchcase(text, pattern):
-                used.add(pattern)
+        for name, kind, pattern in exclusions:
+            if path.match(name) and fnmatch.fnmatchcase(what, kind) and fnmatch.fnmatchcase(text, pattern):
+                used.add((name, kind, pattern))
                 break
         else:
             places.add((str(path.relative_to(root)), line, what, text))
     for path, line, what, text in sorted(places):
         print(f"{path}:{line}: {what}: {text}")
-    unused = [pattern for _, pattern in exclusions if pattern not in used]
-    for pattern in unused:
-        print(f"listed as an exclusion, and reached: {pattern}")
-    sys.exit(1 if unknown or places or unused else 0)
+    unused = [exclusion for exclusion in map(tuple, exclusions) if exclusion not in used]
+    for exclusion in unused:
+        print(f"listed as an exclusion, and reached: {'|'.join(exclusion)}")
+    sys.exit(1 if unknown or lacking or places or unused else 0)
 
 
 main()
