@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -69,57 +70,66 @@ std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<Control>& control)
         [control] { return sdk::ControlHandle<Interface>{std::shared_ptr<Interface>{control}}; }});
 }
 
+/// How often a buffer of that size is made at a time.
+std::uint64_t timesOf(std::size_t size)
+{
+    constexpr std::size_t altogether = std::size_t{1} << 30U;
+    return std::clamp<std::size_t>(altogether / size, 4, 2'000);
+}
+
 std::vector<Way> files(std::size_t size, const std::string& of)
 {
+    const auto times = timesOf(size);
     const auto files = std::make_shared<Files>();
     const auto adapter = adapterOf<SdkFileMemoryControl, SdkFiles>(files);
     const auto contents = [size] { return std::vector<std::uint8_t>(size, 0xa5); };
     const QByteArray bytes{static_cast<qsizetype>(size), 'x'};
     return {
-        prepared("read a file" + of, "library", contents,
+        prepared("read a file" + of, "library", times, contents,
                  [adapter, files](auto file) {
                      files->contents = std::move(file);
-                     consume(adapter->readFile({QStringLiteral("file"), 0}));
+                     return adapter->readFile({QStringLiteral("file"), 0});
                  }),
-        prepared("read a file" + of, "memcpy", contents,
-                 [](const auto& file) {
+        prepared("read a file" + of, "memcpy", times, contents,
+                 [](auto file) {
                      QByteArray copy{static_cast<qsizetype>(file.size()), Qt::Uninitialized};
                      std::memcpy(copy.data(), file.data(), file.size());
-                     consume(copy);
+                     return copy;
                  }),
         repeated("write a file" + of, "library",
-                 [adapter, bytes] { consume(adapter->writeFile(QStringLiteral("file"), bytes)); }),
+                 [adapter, bytes] { return adapter->writeFile(QStringLiteral("file"), bytes); }),
         repeated("read a file" + of, "an empty one",
-                 [adapter] { consume(adapter->readFile({QStringLiteral("file"), 0})); }),
+                 [adapter] { return adapter->readFile({QStringLiteral("file"), 0}); }),
         repeated("write a file" + of, "an empty one",
-                 [adapter] { consume(adapter->writeFile(QStringLiteral("file"), {})); }),
+                 [adapter] { return adapter->writeFile(QStringLiteral("file"), {}); }),
         repeated("write a file" + of, "memcpy",
                  [bytes] {
                      const auto* const begin = reinterpret_cast<const std::uint8_t*>(bytes.constData());
-                     consume(std::vector<std::uint8_t>{begin, begin + bytes.size()});
+                     return std::vector<std::uint8_t>{begin, begin + bytes.size()};
                  }),
     };
 }
 
 std::vector<Way> images(std::size_t size, const std::string& of)
 {
+    const auto times = timesOf(size);
     const auto memory = std::make_shared<Memory>();
     const auto adapter = adapterOf<SdkMemoryOperationsControl, SdkMemory>(memory);
     const auto contents = [size] { return std::vector<std::byte>(size, std::byte{0xa5}); };
     const auto image = std::make_shared<const std::vector<std::byte>>(contents());
     return {
-        prepared("read an image" + of, "library", contents,
+        prepared("read an image" + of, "library", times, contents,
                  [adapter, memory](auto stored) {
                      memory->image = std::move(stored);
-                     consume(adapter->read());
+                     return adapter->read();
                  }),
-        prepared("read an image" + of, "memcpy", contents,
-                 [](const auto& stored) { consume(std::vector<std::byte>{stored.begin(), stored.end()}); }),
-        repeated("write an image" + of, "library", [adapter, image] { consume(adapter->write(*image)); }),
-        repeated("read an image" + of, "an empty one", [adapter] { consume(adapter->read()); }),
-        repeated("write an image" + of, "an empty one", [adapter] { consume(adapter->write({})); }),
+        prepared("read an image" + of, "memcpy", times, contents,
+                 [](auto stored) { return std::vector<std::byte>(stored); }),
+        repeated("write an image" + of, "library", [adapter, image] { return adapter->write(*image); }),
+        repeated("read an image" + of, "an empty one", [adapter] { return adapter->read(); }),
+        repeated("write an image" + of, "an empty one", [adapter] { return adapter->write({}); }),
         repeated("write an image" + of, "memcpy",
-                 [image] { consume(std::vector<std::byte>{image->begin(), image->end()}); }),
+                 [image] { return std::vector<std::byte>{image->begin(), image->end()}; }),
     };
 }
 

@@ -81,7 +81,7 @@ private:
 template <class Control>
 Way getter(const char* name, const std::shared_ptr<Control>& control)
 {
-    return repeated("getter", name, [control] { consume(control->isEnabled()); });
+    return repeated("getter", name, [control] { return control->isEnabled(); });
 }
 
 template <class Control>
@@ -105,7 +105,7 @@ std::vector<Way> besideAnother()
 {
     const auto adapter = [] { return adapterOf(std::make_shared<Device>()); };
     const auto byHand = [] { return std::make_shared<ByHand>(std::make_shared<Device>()); };
-    const auto asking = [](const auto& control) { return [control] { consume(control->isEnabled()); }; };
+    const auto asking = [](const auto& control) { return [control] { return control->isEnabled(); }; };
     std::vector<Way> ways{
         beside(asking(adapter()), getter("library", adapter())),
         getter("alone", adapter()),

@@ -11,6 +11,7 @@
 #include <QList>
 #include <QString>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <expected>
@@ -34,17 +35,11 @@ using SdkFiles = sdk::service::IFileMemoryControl;
 using SdkIfsw = sdk::service::IVellIfswCalibrationControl;
 using SdkPower = sdk::service::IVellFactoryPowerCalibrationControl;
 
-/// Has so many files, which it lists.
+/// Lists the files that it is given.
 class Listing final : public SdkFiles {
 public:
-    explicit Listing(std::size_t count)
-    {
-        for (std::size_t i = 0; i != count; ++i)
-            files.push_back({"calibration/module " + std::to_string(i), i});
-    }
-
     bool isAvailable() override { return true; }
-    void fileList(sdk::Completion<std::vector<FileInfo>> done) override { done(files, {}); }
+    void fileList(sdk::Completion<std::vector<FileInfo>> done) override { done(std::move(files), {}); }
     void spaceInfo(sdk::Completion<SpaceInfo> done) override { done({}, {}); }
     void readFile(const FileInfo& /*file*/, sdk::Completion<std::vector<std::uint8_t>> done) override { done({}, {}); }
     void writeFile(std::string /*name*/, std::vector<std::uint8_t> /*contents*/, sdk::Completion<> done) override
@@ -115,7 +110,7 @@ std::vector<vna::FrequencySegment> plainFromSdk(const sdk::FrequencyPlan& plan)
 template <class Plan>
 Way conversion(const std::string& row, const char* name, const Plan& plan, auto (*convert)(const Plan&))
 {
-    return repeated(row, name, [plan, convert] { consume(convert(plan)); });
+    return repeated(row, name, [plan, convert] { return convert(plan); });
 }
 
 std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points(std::size_t count)
@@ -168,7 +163,7 @@ void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationD
 {
     std::promise<std::expected<QList<IFileMemoryControl::FileInfo>, QString>> promise;
     auto future = promise.get_future();
-    control.fileList([&promise](const std::vector<SdkFiles::FileInfo>& files, std::error_code) {
+    control.fileList([&promise](std::vector<SdkFiles::FileInfo> files, std::error_code) {
         QList<IFileMemoryControl::FileInfo> list;
         list.reserve(static_cast<qsizetype>(files.size()));
         for (const auto& file : files)
@@ -191,8 +186,15 @@ std::vector<Way> plans(std::size_t count, const std::string& of)
     };
 }
 
+/// How often a list of that length is made at a time.
+std::uint64_t timesOf(std::size_t count)
+{
+    return std::clamp<std::size_t>(3'000'000 / count, 4, 2'000);
+}
+
 std::vector<Way> calibrations(std::size_t count, const std::string& of)
 {
+    const auto times = timesOf(count);
     const auto powerSink = std::make_shared<PowerSink>();
     const auto power = std::make_shared<SdkVellFactoryPowerCalibrationControl>(handleTo<SdkPower>(powerSink));
     const auto somePoints = [data = points(count)] { return data; };
@@ -200,24 +202,39 @@ std::vector<Way> calibrations(std::size_t count, const std::string& of)
     const auto ifsw = std::make_shared<SdkVellIfswCalibrationControl>(handleTo<SdkIfsw>(ifswSink));
     const auto someRecords = [data = records(count)] { return data; };
     return {
-        prepared("power points" + of, "library", somePoints,
+        prepared("power points" + of, "library", times, somePoints,
                  [power](auto data) { power->saveCalibrationData({}, 0.0, std::move(data)); }),
-        prepared("power points" + of, "push_back", somePoints,
+        prepared("power points" + of, "push_back", times, somePoints,
                  [powerSink](auto data) { plainPoints(*powerSink, std::move(data)); }),
-        prepared("IF-switch records" + of, "library", someRecords,
+        prepared("IF-switch records" + of, "library", times, someRecords,
                  [ifsw](auto data) { ifsw->saveCalibrationData(std::move(data)); }),
-        prepared("IF-switch records" + of, "push_back", someRecords,
+        prepared("IF-switch records" + of, "push_back", times, someRecords,
                  [ifswSink](auto data) { plainRecords(*ifswSink, std::move(data)); }),
     };
 }
 
 std::vector<Way> fileLists(std::size_t count, const std::string& of)
 {
-    const auto listing = std::make_shared<Listing>(count);
+    const auto times = timesOf(count);
+    const auto listing = std::make_shared<Listing>();
     const auto adapter = std::make_shared<SdkFileMemoryControl>(handleTo<SdkFiles>(listing));
+    const auto list = [count, listing] {
+        std::vector<SdkFiles::FileInfo> files;
+        for (std::size_t i = 0; i != count; ++i)
+            files.push_back({"calibration/module " + std::to_string(i), i});
+        return files;
+    };
     return {
-        repeated("names of files" + of, "library", [adapter] { consume(adapter->fileList()); }),
-        repeated("names of files" + of, "push_back", [listing] { consume(plainList(*listing)); }),
+        prepared("names of files" + of, "library", times, list,
+                 [listing, adapter](auto files) {
+                     listing->files = std::move(files);
+                     return adapter->fileList();
+                 }),
+        prepared("names of files" + of, "push_back", times, list,
+                 [listing](auto files) {
+                     listing->files = std::move(files);
+                     return plainList(*listing);
+                 }),
     };
 }
 

@@ -20,7 +20,7 @@ thread_local std::uint64_t allocated = 0;
 
 } // namespace
 
-// Whatever allocates does so here: `new`, too.
+// Whatever allocates does so here, `new` too, but for blocks of another alignment.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -43,7 +43,7 @@ std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
 
 Way reading(const char* name, const std::shared_ptr<sdk::IVna>& device)
 {
-    return repeated("guarded request", name, [adapter = adapterOf(device)] { consume(adapter->serialNumber()); });
+    return repeated("guarded request", name, [adapter = adapterOf(device)] { return adapter->serialNumber(); });
 }
 
 } // namespace

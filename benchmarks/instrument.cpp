@@ -8,6 +8,7 @@
 #include <simulator/open.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -35,13 +36,14 @@ std::vector<Way> allWays()
     const auto leakage = adapterOf<SdkLoLeakageControl, SdkLoLeakage>(device);
     const auto memory = adapterOf<SdkMemoryOperationsControl, SdkMemory>(device);
     const auto image = std::make_shared<const std::vector<std::byte>>(std::size_t{256} << 20U, std::byte{0xa5});
-    const auto copy = [image] { consume(std::vector<std::byte>{image->begin(), image->end()}); };
+    if (!memory->write(*image))
+        std::abort();
+    const auto copy = [image] { return std::vector<std::byte>{image->begin(), image->end()}; };
     return {
-        repeated("operation of the simulated instrument", "library", [leakage] { consume(leakage->isEnabled()); }),
-        repeated("read the simulated memory of 256 MiB", "library", [memory] { consume(memory->read()); }),
+        repeated("operation of the simulated instrument", "library", [leakage] { return leakage->isEnabled(); }),
+        repeated("read the simulated memory of 256 MiB", "library", [memory] { return memory->read(); }),
         repeated("read the simulated memory of 256 MiB", "memcpy", copy),
-        repeated("write the simulated memory of 256 MiB", "library",
-                 [memory, image] { consume(memory->write(*image)); }),
+        repeated("write the simulated memory of 256 MiB", "library", [memory, image] { return memory->write(*image); }),
         repeated("write the simulated memory of 256 MiB", "memcpy", copy),
     };
 }

@@ -100,12 +100,12 @@ Result outcome(unsigned int value, std::error_code code)
 
 [[gnu::noinline]] Result byQPromise(Sdk& control)
 {
-    QPromise<Result> promise;
-    auto future = promise.future();
-    promise.start();
-    control.serialNumber([&promise](unsigned int value, std::error_code code) {
-        promise.addResult(outcome(value, code));
-        promise.finish();
+    const auto promise = std::make_shared<QPromise<Result>>(); // it still works when its result is there
+    auto future = promise->future();
+    promise->start();
+    control.serialNumber([promise](unsigned int value, std::error_code code) {
+        promise->addResult(outcome(value, code));
+        promise->finish();
     });
     return future.takeResult();
 }
@@ -127,9 +127,9 @@ Result outcome(unsigned int value, std::error_code code)
 {
     auto future = boost::asio::async_initiate<decltype(boost::asio::use_future), void(Result)>(
         [&control](auto handler) {
-            const auto shared = std::make_shared<decltype(handler)>(std::move(handler));
-            control.serialNumber(
-                [shared](unsigned int value, std::error_code code) { (*shared)(outcome(value, code)); });
+            control.serialNumber([handler = std::move(handler)](unsigned int value, std::error_code code) mutable {
+                handler(outcome(value, code));
+            });
         },
         boost::asio::use_future);
     return future.get();
@@ -157,14 +157,14 @@ std::vector<Way> requests(const std::string& row, const std::shared_ptr<Sdk>& co
 {
     const auto reacquire = [control] { return sdk::ControlHandle<Sdk>{control}; };
     const auto peer = [&](const char* name, Result (*wait)(Sdk&)) {
-        return repeated(row, name, [handle = std::make_shared<ShortestHandle<Sdk>>(reacquire), wait] {
+        return repeated(row, name, [handle = std::make_shared<ShortestHandle<Sdk>>(reacquire), wait]() -> Result {
             const auto locked = handle->lock();
-            consume(locked ? wait(*locked) : std::unexpected{Error::Failed});
+            return locked ? wait(*locked) : std::unexpected{Error::Failed};
         });
     };
     const auto adapter = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire});
     return {
-        repeated(row, "library", [adapter] { consume(adapter->serialNumber()); }),
+        repeated(row, "library", [adapter] { return adapter->serialNumber(); }),
         peer("promise and future", &byPromise),
         peer("QPromise", &byQPromise),
         peer("QEventLoop", &byEventLoop),

@@ -79,8 +79,8 @@ std::vector<Way> snapshots(int modules)
     const auto hand = std::make_shared<ByHand>();
     hand->refresh(*control);
     const auto refresh = [control] { control->attached->onTemperatureChanged(); };
-    const auto read = [adapter] { consume(adapter->modulesTemperature()); };
-    const auto readByHand = [hand] { consume(hand->modules()); };
+    const auto read = [adapter] { return adapter->modulesTemperature(); };
+    const auto readByHand = [hand] { return hand->modules(); };
     const auto alone = [&](const std::string& row) { return repeated(row, "alone", read); };
     return {
         repeated("refresh" + of, "library", refresh),

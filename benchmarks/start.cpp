@@ -25,11 +25,14 @@
 #include <devices/service/servicecontrols.h>
 #include <simulator/open.h>
 
+#include <algorithm>
 #include <any>
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::benchmarks {
@@ -96,6 +99,14 @@ std::shared_ptr<sdk::IVna> instrument()
     return simulator::open({QStringLiteral("profile=full"), QStringLiteral("none")}).value();
 }
 
+/// The controls, if each was offered.
+std::optional<std::vector<std::any>> offered(std::vector<std::any>& controls)
+{
+    if (!std::ranges::all_of(controls, &std::any::has_value))
+        return std::nullopt;
+    return std::move(controls);
+}
+
 /// The creation of the first controls, so many, and their end.
 std::vector<Way> creation(const std::shared_ptr<sdk::IVna>& device, std::size_t count)
 {
@@ -106,14 +117,14 @@ std::vector<Way> creation(const std::shared_ptr<sdk::IVna>& device, std::size_t 
                      std::vector<std::any> controls;
                      for (const auto& entry : registry.entries().first(count))
                          controls.push_back(entry.create(device.get()));
-                     consume(controls);
+                     return offered(controls);
                  }),
         repeated(row, "by hand",
                  [device, count] {
                      std::vector<std::any> controls;
                      for (std::size_t i = 0; i != count; ++i)
                          controls.push_back(byHand[i](device.get()));
-                     consume(controls);
+                     return offered(controls);
                  }),
     };
 }
@@ -122,7 +133,7 @@ std::vector<Way> creation(const std::shared_ptr<sdk::IVna>& device, std::size_t 
 
 std::vector<Way> allWays()
 {
-    std::vector<Way> ways{repeated("registration", "library", [] { consume(allControls()); })};
+    std::vector<Way> ways{repeated("registration", "library", [] { return allControls(); })};
     const auto device = instrument();
     for (const auto count : std::initializer_list<std::size_t>{1, 5, 10, 20})
         for (auto& way : creation(device, count))

@@ -63,7 +63,11 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
         return EXIT_FAILURE;
     const auto ways = allWays();
-    for (const auto& way : ways)
-        benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way)->UseManualTime();
+    for (const auto& way : ways) {
+        auto* const timed = benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way);
+        timed->UseManualTime();
+        if (way.times != 0)
+            timed->Iterations(static_cast<benchmark::IterationCount>(way.times));
+    }
     return benchmark::RunSpecifiedBenchmarks() > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

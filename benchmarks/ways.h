@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <functional>
 #include <stop_token>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -15,6 +17,7 @@ struct Way {
     std::string row;
     std::string name;
     std::function<void(std::uint64_t times)> run; ///< measures what it does so many times
+    std::uint64_t times = 0; ///< how often it is timed at a time; 0: until that has taken long enough
 };
 
 /// While one lives, what its thread does is measured: timed, or counted, as the program is linked for.
@@ -39,30 +42,46 @@ void consume(const T& value)
     asm volatile("" : : "g"(&value) : "memory"); // NOLINT(hicpp-no-assembler)
 }
 
+/// Runs a way once. One that has failed, which is quickly done, ends the program.
+template <class Run, class... Input>
+void once(Run& run, Input&&... input)
+{
+    if constexpr (std::is_void_v<std::invoke_result_t<Run&, Input...>>) {
+        run(std::forward<Input>(input)...);
+    } else {
+        const auto result = run(std::forward<Input>(input)...);
+        if constexpr (requires { result.has_value(); })
+            if (!result.has_value())
+                std::abort();
+        consume(result);
+    }
+}
+
 /// A way that does the same again and again. What it makes once for all, the first time, does not count.
 template <class Run>
 [[nodiscard]] Way repeated(std::string row, std::string name, Run run)
 {
     return {std::move(row), std::move(name), [run = std::move(run)](std::uint64_t times) mutable {
-                run();
+                once(run);
                 const Measured measured;
                 for (; times != 0; --times)
-                    run();
+                    once(run);
             }};
 }
 
-/// A way that each time uses up what `prepare` makes, which does not count.
+/// A way that each time uses up what `prepare` makes, which does not count; timed `times` times at a time, because
+/// making it may take much longer.
 template <class Prepare, class Run>
-[[nodiscard]] Way prepared(std::string row, std::string name, Prepare prepare, Run run)
+[[nodiscard]] Way prepared(std::string row, std::string name, std::uint64_t times, Prepare prepare, Run run)
 {
-    return {std::move(row), std::move(name),
-            [prepare = std::move(prepare), run = std::move(run)](std::uint64_t times) mutable {
-                for (; times != 0; --times) {
-                    auto input = prepare();
-                    const Measured measured;
-                    run(std::move(input));
-                }
-            }};
+    const auto measure = [prepare = std::move(prepare), run = std::move(run)](std::uint64_t count) mutable {
+        for (; count != 0; --count) {
+            auto input = prepare();
+            const Measured measured;
+            once(run, std::move(input));
+        }
+    };
+    return {std::move(row), std::move(name), measure, times};
 }
 
 /// A way while a thread of its own does `task` again and again.

@@ -16,7 +16,7 @@ PANELS = [
     ("One notification", "observers", r"progress to (\d+)",
      ["library", "raw loop", "Qt direct connection", "boost::signals2"]),
     ("Frequency segments to the SDK", "segments", r"segments to the SDK, (\d+)", ["library", "push_back"]),
-    ("Reading a file", "KiB", r"read a file of (\d+) KiB", ["library", "memcpy"]),
+    ("Writing an image", "KiB", r"write an image of (\d+) KiB", ["library", "memcpy"]),
 ]
 
 

@@ -78,6 +78,8 @@ def main():
     for way in ways:
         if way not in costs:
             sys.exit(f"No program counts '{way}'.")
+    if not all(cost["atomics"] for way, cost in costs.items() if way.startswith("getter/")):
+        sys.exit("A getter is counted without the atomic operations that each has: objdump's listing is not understood.")
     json.dump(costs, sys.stdout, indent=1)
 
 
