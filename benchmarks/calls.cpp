@@ -16,6 +16,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -101,20 +102,18 @@ Way reacquiringGetter(const char* name, const std::shared_ptr<Device>& device, c
 }
 
 /// Two threads, each with a control of its own, and one alone.
-std::vector<Way> besideAnother()
+std::vector<Way> onTwoThreads()
 {
     const auto adapter = [] { return adapterOf(std::make_shared<Device>()); };
     const auto byHand = [] { return std::make_shared<ByHand>(std::make_shared<Device>()); };
     const auto asking = [](const auto& control) { return [control] { return control->isEnabled(); }; };
-    std::vector<Way> ways{
-        beside(asking(adapter()), getter("library", adapter())),
-        getter("alone", adapter()),
-        beside(asking(byHand()), getter("shortest code", byHand())),
-        getter("shortest code alone", byHand()),
+    const std::string row = "getter on two threads";
+    return {
+        together(row, "library", asking(adapter()), asking(adapter())),
+        repeated(row, "alone", asking(adapter())),
+        together(row, "shortest code", asking(byHand()), asking(byHand())),
+        repeated(row, "shortest code alone", asking(byHand())),
     };
-    for (auto& way : ways)
-        way.row = "getter beside another thread";
-    return ways;
 }
 
 struct QtHandle {
@@ -178,7 +177,7 @@ std::vector<Way> allWays()
         reacquiringGetter("shortest code", restless, std::make_shared<ByHand>(restless)),
         repeated("reacquiring getter", "the drop alone", [restless] { restless->renew(); }),
     };
-    for (auto&& others : {otherGetters(device), besideAnother()})
+    for (auto&& others : {otherGetters(device), onTwoThreads()})
         ways.insert(ways.end(), others.begin(), others.end());
     return ways;
 }

@@ -2,6 +2,9 @@
 
 #include "ways.h"
 
+#include <QString>
+#include <QTemporaryDir>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -40,6 +43,9 @@ char* emptyArguments[] = {empty, nullptr};
 
 std::vector<Way> allWays()
 {
+    static const QTemporaryDir state; // of no instrument that the user has
+    qputenv("TARN_SERVICE_STATE", state.path().toUtf8());
+    qunsetenv("TARN_SERVICE_PROVIDERS");
     return {
         repeated("tarn-service controls", "library", [] { run(consoleArguments); }),
         repeated("tarn-service controls", "empty program", [] { run(emptyArguments); }),

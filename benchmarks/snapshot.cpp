@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <algorithm>
+#include <atomic>
 #include <initializer_list>
 #include <memory>
 #include <mutex>
@@ -30,14 +31,33 @@ public:
     }
 
     [[nodiscard]] float temperature() override { return 23.5F; }
-    [[nodiscard]] const ModuleTemperatures& moduleTemperatures() override { return m_temperatures; }
+    [[nodiscard]] const ModuleTemperatures& moduleTemperatures() override
+    {
+        if (m_isHeld) {
+            m_isAsked = true;
+            m_isAsked.notify_one();
+            m_isHeld.wait(true);
+        }
+        return m_temperatures;
+    }
     void addObserver(Observer* observer) override { attached = observer; }
     void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
+
+    /// The next question for the modules is not answered before `release`.
+    void hold() { m_isHeld = true; }
+    void awaitQuestion() const { m_isAsked.wait(false); }
+    void release()
+    {
+        m_isHeld = m_isAsked = false;
+        m_isHeld.notify_one();
+    }
 
     Observer* attached = nullptr;
 
 private:
     ModuleTemperatures m_temperatures;
+    std::atomic<bool> m_isHeld = false;
+    std::atomic<bool> m_isAsked = false;
 };
 
 /// What the adapter has to do, and no more.
@@ -70,6 +90,19 @@ private:
     double m_temperature = 0;
 };
 
+/// A way while a refresh waits for the device.
+Way duringRefresh(const std::shared_ptr<Temperatures>& control, Way way)
+{
+    way.run = [control, alone = std::move(way.run)](std::uint64_t times) {
+        control->hold();
+        const std::jthread refresh{[&] { control->attached->onTemperatureChanged(); }};
+        control->awaitQuestion();
+        alone(times);
+        control->release();
+    };
+    return way;
+}
+
 std::vector<Way> snapshots(int modules)
 {
     const auto of = " of " + std::to_string(modules) + " temperatures";
@@ -81,19 +114,19 @@ std::vector<Way> snapshots(int modules)
     const auto refresh = [control] { control->attached->onTemperatureChanged(); };
     const auto read = [adapter] { return adapter->modulesTemperature(); };
     const auto readByHand = [hand] { return hand->modules(); };
-    const auto alone = [&](const std::string& row) { return repeated(row, "alone", read); };
+    const auto reading = "reading" + of;
     return {
         repeated("refresh" + of, "library", refresh),
         repeated("refresh" + of, "by hand", [control, hand] { hand->refresh(*control); }),
-        repeated("reading" + of, "library", read),
-        repeated("reading" + of, "by hand", readByHand),
-        beside(read, repeated("reading" + of + " beside another reader", "library", read)),
-        beside(readByHand, repeated("reading" + of + " beside another reader", "by hand", readByHand)),
-        alone("reading" + of + " beside another reader"),
-        beside(refresh, repeated("reading" + of + " beside refreshes", "library", read)),
+        repeated(reading, "library", read),
+        repeated(reading, "by hand", readByHand),
+        together(reading + " by two threads", "library", read, read),
+        together(reading + " by two threads", "by hand", readByHand, readByHand),
+        duringRefresh(control, repeated(reading + " during a refresh", "library", read)),
+        repeated(reading + " during a refresh", "alone", read),
+        beside(refresh, repeated(reading + " beside refreshes", "library", read)),
         beside([control, hand] { hand->refresh(*control); },
-               repeated("reading" + of + " beside refreshes", "by hand", readByHand)),
-        alone("reading" + of + " beside refreshes"),
+               repeated(reading + " beside refreshes", "by hand", readByHand)),
     };
 }
 

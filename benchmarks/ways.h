@@ -1,5 +1,6 @@
 #pragma once
 
+#include <barrier>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
@@ -82,6 +83,28 @@ template <class Prepare, class Run>
         }
     };
     return {std::move(row), std::move(name), measure, times};
+}
+
+/// A way that two threads go as often each, the one with `run` and the other with `other`; over when both are.
+template <class Run>
+[[nodiscard]] Way together(std::string row, std::string name, Run run, Run other)
+{
+    return {std::move(row), std::move(name),
+            [run = std::move(run), other = std::move(other)](std::uint64_t times) mutable {
+                const auto repeat = [times](Run& task) {
+                    for (auto left = times; left != 0; --left)
+                        once(task);
+                };
+                std::barrier both{2};
+                std::jthread thread{[&] {
+                    both.arrive_and_wait();
+                    repeat(other);
+                }};
+                both.arrive_and_wait();
+                const Measured measured;
+                repeat(run);
+                thread.join();
+            }};
 }
 
 /// A way while a thread of its own does `task` again and again.
