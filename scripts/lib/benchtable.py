@@ -99,7 +99,7 @@ def main():
     parser.add_argument("--counted", action="store_true")
     parser.add_argument("--json")
     parser.add_argument("results", nargs="*")
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
 
     with open(arguments.goals, encoding="utf-8") as file:
         goals = json.load(file)
