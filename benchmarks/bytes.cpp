@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
@@ -77,8 +76,10 @@ std::uint64_t timesOf(std::size_t size)
     return std::clamp<std::size_t>(altogether / size, 4, 2'000);
 }
 
-std::vector<Way> files(std::size_t size, const std::string& of)
+std::vector<Way> files(std::size_t kib)
 {
+    const auto size = kib * 1024;
+    const auto of = " of " + std::to_string(kib) + " KiB";
     const auto times = timesOf(size);
     const auto files = std::make_shared<Files>();
     const auto adapter = adapterOf<SdkFileMemoryControl, SdkFiles>(files);
@@ -110,8 +111,10 @@ std::vector<Way> files(std::size_t size, const std::string& of)
     };
 }
 
-std::vector<Way> images(std::size_t size, const std::string& of)
+std::vector<Way> images(std::size_t kib)
 {
+    const auto size = kib * 1024;
+    const auto of = " of " + std::to_string(kib) + " KiB";
     const auto times = timesOf(size);
     const auto memory = std::make_shared<Memory>();
     const auto adapter = adapterOf<SdkMemoryOperationsControl, SdkMemory>(memory);
@@ -137,16 +140,7 @@ std::vector<Way> images(std::size_t size, const std::string& of)
 
 std::vector<Way> allWays()
 {
-    constexpr std::size_t kib = 1024;
-    std::vector<Way> ways;
-    for (const auto size : std::initializer_list<std::size_t>{64, 1024, 16 * kib, 256 * kib}) {
-        if (isCounted && size != 64)
-            break;
-        const auto of = " of " + std::to_string(size) + " KiB";
-        for (auto&& some : {files(size * kib, of), images(size * kib, of)})
-            ways.insert(ways.end(), some.begin(), some.end());
-    }
-    return ways;
+    return forEach(isCounted ? Sizes{64} : Sizes{64, 1024, 16'384, 262'144}, &files, &images);
 }
 
 } // namespace tarn::benchmarks

@@ -16,7 +16,6 @@
 #include <cstdint>
 #include <expected>
 #include <future>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -173,8 +172,9 @@ void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationD
     return future.get();
 }
 
-std::vector<Way> plans(std::size_t count, const std::string& of)
+std::vector<Way> plans(std::size_t count)
 {
+    const auto of = ", " + std::to_string(count);
     namespace service = devices::service;
     const auto plan = segments(count);
     const auto sdkPlan = plainToSdk(plan);
@@ -192,8 +192,9 @@ std::uint64_t timesOf(std::size_t count)
     return std::clamp<std::size_t>(3'000'000 / count, 4, 2'000);
 }
 
-std::vector<Way> calibrations(std::size_t count, const std::string& of)
+std::vector<Way> calibrations(std::size_t count)
 {
+    const auto of = ", " + std::to_string(count);
     const auto times = timesOf(count);
     const auto powerSink = std::make_shared<PowerSink>();
     const auto power = std::make_shared<SdkVellFactoryPowerCalibrationControl>(handleTo<SdkPower>(powerSink));
@@ -213,8 +214,9 @@ std::vector<Way> calibrations(std::size_t count, const std::string& of)
     };
 }
 
-std::vector<Way> fileLists(std::size_t count, const std::string& of)
+std::vector<Way> fileLists(std::size_t count)
 {
+    const auto of = ", " + std::to_string(count);
     const auto times = timesOf(count);
     const auto listing = std::make_shared<Listing>();
     const auto adapter = std::make_shared<SdkFileMemoryControl>(handleTo<SdkFiles>(listing));
@@ -242,15 +244,7 @@ std::vector<Way> fileLists(std::size_t count, const std::string& of)
 
 std::vector<Way> allWays()
 {
-    std::vector<Way> ways;
-    for (const auto count : std::initializer_list<std::size_t>{1'000, 30'000, 1'000'000}) {
-        if (isCounted && count != 1'000)
-            break;
-        const auto of = ", " + std::to_string(count);
-        for (auto&& some : {plans(count, of), calibrations(count, of), fileLists(count, of)})
-            ways.insert(ways.end(), some.begin(), some.end());
-    }
-    return ways;
+    return forEach(isCounted ? Sizes{1'000} : Sizes{1'000, 30'000, 1'000'000}, &plans, &calibrations, &fileLists);
 }
 
 } // namespace tarn::benchmarks

@@ -13,7 +13,6 @@
 #endif
 
 #include <cstddef>
-#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -112,11 +111,7 @@ std::vector<Way> progressTo(std::size_t size)
 
 std::vector<Way> allWays()
 {
-    std::vector<Way> ways;
-    for (const auto size : std::initializer_list<std::size_t>{1, 10, 100, 10'000})
-        for (auto& way : progressTo(size))
-            ways.push_back(std::move(way));
-    return ways;
+    return forEach({1, 10, 100, 10'000}, &progressTo);
 }
 
 } // namespace tarn::benchmarks

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <initializer_list>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -24,9 +24,9 @@ using Adapter = devices::service::SdkTemperatureControl;
 /// Modules whose temperatures stay as they are.
 class Temperatures final : public Sdk {
 public:
-    explicit Temperatures(int modules)
+    explicit Temperatures(std::size_t modules)
     {
-        for (int i = 0; i != modules; ++i)
+        for (std::size_t i = 0; i != modules; ++i)
             m_temperatures.emplace("module " + std::to_string(i * 7919 % modules), 20.0F + static_cast<float>(i));
     }
 
@@ -103,7 +103,7 @@ Way duringRefresh(const std::shared_ptr<Temperatures>& control, Way way)
     return way;
 }
 
-std::vector<Way> snapshots(int modules)
+std::vector<Way> snapshots(std::size_t modules)
 {
     const auto of = " of " + std::to_string(modules) + " temperatures";
     const auto control = std::make_shared<Temperatures>(modules);
@@ -134,11 +134,7 @@ std::vector<Way> snapshots(int modules)
 
 std::vector<Way> allWays()
 {
-    std::vector<Way> ways;
-    for (const int modules : {10, 100, 1'000})
-        for (auto& way : snapshots(modules))
-            ways.push_back(std::move(way));
-    return ways;
+    return forEach({10, 100, 1'000}, &snapshots);
 }
 
 } // namespace tarn::benchmarks

@@ -28,7 +28,6 @@
 #include <algorithm>
 #include <any>
 #include <cstddef>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -133,11 +132,8 @@ std::vector<Way> creation(const std::shared_ptr<sdk::IVna>& device, std::size_t 
 
 std::vector<Way> allWays()
 {
-    std::vector<Way> ways{repeated("registration", "library", [] { return allControls(); })};
-    const auto device = instrument();
-    for (const auto count : std::initializer_list<std::size_t>{1, 5, 10, 20})
-        for (auto& way : creation(device, count))
-            ways.push_back(std::move(way));
+    auto ways = forEach({1, 5, 10, 20}, [device = instrument()](std::size_t count) { return creation(device, count); });
+    ways.push_back(repeated("registration", "library", [] { return allControls(); }));
     return ways;
 }
 

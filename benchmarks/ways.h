@@ -1,6 +1,7 @@
 #pragma once
 
 #include <barrier>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
@@ -119,6 +120,19 @@ template <class Task>
         alone(times);
     };
     return way;
+}
+
+using Sizes = std::vector<std::size_t>;
+
+/// The ways that each of `make` gives for each size.
+template <class... Make>
+[[nodiscard]] std::vector<Way> forEach(const Sizes& sizes, Make... make)
+{
+    std::vector<Way> ways;
+    const auto add = [&ways](std::vector<Way> some) { ways.insert(ways.end(), some.begin(), some.end()); };
+    for (const auto size : sizes)
+        (add(make(size)), ...);
+    return ways;
 }
 
 } // namespace tarn::benchmarks
