@@ -70,7 +70,7 @@ QByteArray CalibrationSlot::load() const
 
 std::error_code CalibrationSlot::save(const QByteArray& bytes) const
 {
-    const auto digest = Storage::digestOf(bytes);
+    const auto digest = m_storage.nameOf(bytes);
     return m_storage.save(m_section, QJsonObject{{QStringLiteral("sha256"), digest}}, {{digest, bytes}});
 }
 

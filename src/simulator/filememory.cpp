@@ -101,7 +101,7 @@ std::error_code save(Storage& storage, const FileStore::Files& files)
     for (const auto& [name, contents] : files) {
         const QByteArray bytes{reinterpret_cast<const char*>(contents->data()),
                                static_cast<qsizetype>(contents->size())};
-        const auto digest = Storage::digestOf(bytes);
+        const auto digest = storage.nameOf(bytes);
         section.append(QJsonObject{{QStringLiteral("name"), QString::fromStdString(name)},
                                    {QStringLiteral("size"), bytes.size()},
                                    {QStringLiteral("sha256"), digest}});

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <random>
 
-#include <zlib.h>
+#include <libdeflate.h>
 
 namespace tarn::simulator {
 
@@ -20,9 +20,12 @@ constexpr char erased = '\xFF';
 /// The checksum of `bytes` followed by `erasedCount` erased bytes.
 std::uint32_t checksumOf(std::span<const char> bytes, std::uint32_t erasedCount)
 {
-    static const std::vector<Bytef> erasedBlock(FlashMemory::blockSize, 0xFF);
-    const auto checksum = ::crc32_z(0, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
-    return static_cast<std::uint32_t>(::crc32_z(checksum, erasedBlock.data(), erasedCount));
+    static const std::vector<char> erasedBlock(FlashMemory::blockSize, erased);
+    static const auto ofErasedBlock = ::libdeflate_crc32(0, erasedBlock.data(), erasedBlock.size());
+    if (erasedCount == erasedBlock.size())
+        return ofErasedBlock;
+    const auto checksum = ::libdeflate_crc32(0, bytes.data(), bytes.size());
+    return ::libdeflate_crc32(checksum, erasedBlock.data(), erasedCount);
 }
 
 std::uint32_t checkedLength(const Storage& storage, const QJsonValue& value, std::uint32_t most)
@@ -108,7 +111,7 @@ std::error_code FlashMemory::save(Storage& storage) const
     QString checksums;
     for (const auto checksum : m_checksums)
         checksums += QStringLiteral("%1").arg(checksum, 8, 16, QLatin1Char{'0'});
-    const auto digest = Storage::digestOf(m_written);
+    const auto digest = storage.nameOf(m_written);
     const QJsonObject section{{capacityKey, savedCapacity},
                               {QStringLiteral("length"), static_cast<double>(m_length)},
                               {QStringLiteral("checksums"), checksums},

@@ -71,7 +71,7 @@ void ModuleTables::store(Table table, const Contents& contents)
         if (tables[i].empty())
             continue;
         const auto bytes = QByteArrayView{tables[i]}.toByteArray();
-        const auto digest = Storage::digestOf(bytes);
+        const auto digest = m_storage.nameOf(bytes);
         section[QLatin1StringView{kinds[i].name}] = QJsonObject{{QStringLiteral("sha256"), digest}};
         blocks.insert(digest, bytes);
     }

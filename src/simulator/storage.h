@@ -35,7 +35,6 @@ public:
     /// Blocks by their digests.
     using Blocks = QHash<QString, QByteArray>;
 
-    /// What a block of these bytes is called.
     [[nodiscard]] static QString digestOf(const QByteArray& bytes)
     {
         return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
@@ -45,6 +44,9 @@ public:
     Storage(const Storage&) = delete;
     Storage& operator=(const Storage&) = delete;
     virtual ~Storage() = default;
+
+    /// What a block of these bytes is called in a section.
+    [[nodiscard]] virtual QString nameOf(const QByteArray& bytes) const { return digestOf(bytes); }
 
     /// A section as it was kept last; undefined if it never was.
     [[nodiscard]] virtual QJsonValue section(const QString& name) const = 0;
@@ -66,9 +68,13 @@ public:
     }
 };
 
-/// Keeps nothing.
+/// Keeps nothing, and spares the digests: that of 256 MiB takes a second.
 class NoStorage : public Storage {
 public:
+    [[nodiscard]] QString nameOf(const QByteArray& /*bytes*/) const final
+    {
+        return {};
+    }
     [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
     [[nodiscard]] QByteArray block(const QString& digest) const override { refuse(digest); }
     [[noreturn]] void refuse(const QString& reason) const final { throw StateError{{}, reason}; }
