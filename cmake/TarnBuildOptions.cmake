@@ -29,12 +29,17 @@ target_compile_options(tarn_build_options INTERFACE
     $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
     $<$<BOOL:${TARN_WARNINGS_AS_ERRORS}>:-Werror>)
 
+include(CheckLinkerFlag)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 
 # Programs must not start with a symbol missing, nor run with their tables writable.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     target_link_options(tarn_build_options INTERFACE -Wl,-z,relro -Wl,-z,now)
+    check_linker_flag(CXX -Wl,-z,pack-relative-relocs TARN_PACKS_RELOCATIONS) # smaller, and sooner loaded
+    if(TARN_PACKS_RELOCATIONS)
+        target_link_options(tarn_build_options INTERFACE -Wl,-z,pack-relative-relocs)
+    endif()
 endif()
 
 if(TARN_SANITIZERS)

@@ -21,6 +21,11 @@ function(tarn_add_library name)
         EXPORT_FILE_NAME "${PROJECT_BINARY_DIR}/generated/${folder}/export.h")
     target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src" "${PROJECT_BINARY_DIR}/generated")
     target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE tarn_build_options)
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux") # what it calls of its own it does not look up, either
+        set(exports "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+        target_link_options(${name} PRIVATE "LINKER:--version-script=${exports}" LINKER:-Bsymbolic-functions)
+        set_target_properties(${name} PROPERTIES LINK_DEPENDS "${exports}")
+    endif()
     set_target_properties(${name} PROPERTIES
         OUTPUT_NAME ${arg_OUTPUT_NAME}
         VERSION ${PROJECT_VERSION}
