@@ -6,7 +6,8 @@
 
 namespace tarn::devices::service {
 
-/// What `convert` makes of each element of `from`, a vector or a span, in order.
+/// What `convert` makes of each element of `from`, a vector or a span, in order. A lambda becomes part of the loop; a
+/// function would be called for each element, which takes more than twice the time.
 template <class To, class Elements, class Convert>
 [[nodiscard]] std::vector<To> convertAll(const Elements& from, Convert convert)
 {

@@ -13,17 +13,21 @@ using Sdk = sdk::service::IVellFactoryPowerCalibrationControl;
 
 namespace {
 
-Sdk::PowerCalPoint toSdkPoint(const SdkVellFactoryPowerCalibrationControl::PowerCalPoint& point)
+using Point = SdkVellFactoryPowerCalibrationControl::PowerCalPoint;
+
+std::vector<Sdk::PowerCalPoint> toSdkPoints(const std::vector<Point>& points)
 {
-    return {point.frequency,
-            point.nominalPower,
-            point.measuredPower,
-            point.isSourceAmplifierOn,
-            point.isSourceAttenuatorOn,
-            point.sourceAttenuation,
-            point.isReceiverAttenuatorOn,
-            point.receiverAttenuation,
-            point.receiverPower};
+    return convertAll<Sdk::PowerCalPoint>(points, [](const Point& point) -> Sdk::PowerCalPoint {
+        return {point.frequency,
+                point.nominalPower,
+                point.measuredPower,
+                point.isSourceAmplifierOn,
+                point.isSourceAttenuatorOn,
+                point.sourceAttenuation,
+                point.isReceiverAttenuatorOn,
+                point.receiverAttenuation,
+                point.receiverPower};
+    });
 }
 
 } // namespace
@@ -48,8 +52,7 @@ void SdkVellFactoryPowerCalibrationControl::saveCalibrationData(
     std::vector<PowerCalPoint> points)
 {
     ifAvailable(m_control, [&](Sdk& sdk) {
-        sdk.saveCalibrationData(time.time_since_epoch().count(), convertAll<Sdk::PowerCalPoint>(points, toSdkPoint),
-                                temperature);
+        sdk.saveCalibrationData(time.time_since_epoch().count(), toSdkPoints(points), temperature);
     });
 }
 
