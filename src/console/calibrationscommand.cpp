@@ -187,11 +187,8 @@ void showUnits(Tour& tour, std::uint64_t registryKey)
         tour.show(name, statusText(status), toJson(statusText(status)));
 }
 
-} // namespace
-
-void FirstCalibrationsCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("calibrations", "The calibration units of the instrument and what they hold");
     noun.addExamples({"calibrations status", "calibrations watch"});
     line.addVerb(noun, "status", "Show every unit and whether its data is valid", &showStatus);
 
@@ -200,6 +197,13 @@ void FirstCalibrationsCommand::addTo(CommandLine& line)
                                    [count](Session& session) { watch(session, *count); });
     addCountOption(verb, *count, "End after so many lines");
     verb.addExamples({"calibrations watch", "calibrations watch --count 10 --json"});
+}
+
+} // namespace
+
+void FirstCalibrationsCommand::addTo(CommandLine& line)
+{
+    line.addNoun("calibrations", "The calibration units of the instrument and what they hold", &addVerbs);
 }
 
 void FirstCalibrationsCommand::tour(Tour& tour)

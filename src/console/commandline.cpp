@@ -133,14 +133,28 @@ void CommandLine::addGlobalOptions()
     m_app->set_version_flag("--version", TARN_VERSION, "Print the version and exit");
 }
 
-Command CommandLine::addNoun(const std::string& name, const std::string& description)
+void CommandLine::addNoun(const std::string& name, const std::string& description, AddVerbs addVerbs)
 {
     auto& noun = *m_app->add_subcommand(name, description);
     noun.require_subcommand(1);
     noun.footer(commandFooter);
     noun.group("Nouns");
     noun.formatter(std::make_shared<Formatter>("VERB"));
-    return Command{noun};
+    noun.preparse_callback([this, &noun](std::size_t /*wordCount*/) { addVerbsOf(noun); });
+    m_withoutVerbs.emplace(&noun, std::move(addVerbs));
+}
+
+void CommandLine::addVerbsOf(CLI::App& noun)
+{
+    if (const auto entry = m_withoutVerbs.extract(&noun))
+        entry.mapped()(*this, Command{noun});
+}
+
+std::vector<std::string> CommandLine::propose(std::span<const std::string> words)
+{
+    while (!m_withoutVerbs.empty())
+        addVerbsOf(*m_withoutVerbs.begin()->first);
+    return m_completion.propose(*m_app, words);
 }
 
 Command CommandLine::addVerb(Command noun, const std::string& name, const std::string& description, Run run)

@@ -5,6 +5,7 @@
 #include <console/session.h>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -22,12 +23,14 @@ namespace tarn::console {
 class CommandLine {
 public:
     using Run = std::function<void(Session&)>;
+    using AddVerbs = std::function<void(CommandLine&, Command noun)>;
 
     CommandLine();
     ~CommandLine();
 
-    /// Adds a noun that has verbs.
-    [[nodiscard]] Command addNoun(const std::string& name, const std::string& description);
+    /// Adds a noun that has verbs. Those of all nouns would be most of what a short command takes: `addVerbs` adds
+    /// them, and whatever else the noun has, once they are asked for.
+    void addNoun(const std::string& name, const std::string& description, AddVerbs addVerbs);
 
     /// Adds a verb to `noun`, or a noun of its own without one. `run` does it; what it throws ends
     /// the program.
@@ -41,10 +44,7 @@ public:
     }
 
     /// What the last of `words` may become; see `Completion`.
-    [[nodiscard]] std::vector<std::string> propose(std::span<const std::string> words) const
-    {
-        return m_completion.propose(*m_app, words);
-    }
+    [[nodiscard]] std::vector<std::string> propose(std::span<const std::string> words);
 
     /// What a command line asks for. Throws `Error` (`Usage`).
     void parse(int argc, const char* const* argv);
@@ -60,11 +60,13 @@ public:
 
 private:
     void addGlobalOptions();
+    void addVerbsOf(CLI::App& noun);
     [[nodiscard]] const CLI::App& selected() const;
     [[nodiscard]] Error usage(const CLI::ParseError& error) const;
     [[nodiscard]] bool isOfGlobalOption(const CLI::ParseError& error) const;
 
     std::unique_ptr<CLI::App> m_app;
+    std::map<CLI::App*, AddVerbs> m_withoutVerbs; ///< nouns
     Completion m_completion;
     GlobalOptions m_options;
     Run m_run;

@@ -33,17 +33,21 @@ void printProposals(const Session& session, const std::vector<std::string>& prop
     session.output().result(array, lines);
 }
 
-} // namespace
-
-void CompletionCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("completion", "Completion of commands in a shell");
     line.addVerb(noun, "bash", "Print a script that teaches bash to complete commands: source it", &printScript);
     const auto words = std::make_shared<std::vector<std::string>>();
     const auto verb = line.addVerb(noun, "words", "Print what the last word may become",
                                    [&line, words](Session& session) { printProposals(session, line.propose(*words)); });
     verb.addWords("WORD", *words, "The words after the program's name; the last may be empty");
     verb.addExamples({"completion words -- files re"});
+}
+
+} // namespace
+
+void CompletionCommand::addTo(CommandLine& line)
+{
+    line.addNoun("completion", "Completion of commands in a shell", &addVerbs);
 }
 
 } // namespace tarn::console

@@ -132,11 +132,8 @@ void addSwitchVerb(CommandLine& line, Command noun, const std::string& name, boo
     verb.addWord("NAME", *correction, "Which; 'corrections list' shows them");
 }
 
-} // namespace
-
-void CorrectionsCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("corrections", "The factory corrections and their switches");
     noun.addExamples({"corrections list", "corrections disable port-extension", "corrections watch"});
     line.addVerb(noun, "list", "List the corrections that the instrument knows, and their states", &showList);
     addSwitchVerb(line, noun, "enable", true);
@@ -148,6 +145,13 @@ void CorrectionsCommand::addTo(CommandLine& line)
                        [count](Session& session) { watchCorrections(session, *count); });
     addCountOption(verb, *count, "End after so many lines");
     verb.addExamples({"corrections watch", "corrections watch --count 10 --json"});
+}
+
+} // namespace
+
+void CorrectionsCommand::addTo(CommandLine& line)
+{
+    line.addNoun("corrections", "The factory corrections and their switches", &addVerbs);
 }
 
 void CorrectionsCommand::tour(Tour& tour)

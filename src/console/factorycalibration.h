@@ -41,11 +41,13 @@ void addCalibrationVerbs(CommandLine& line, Command noun, const FactoryCalibrati
 template <class Control>
 void addFactoryCalibration(CommandLine& line, const FactoryCalibration& calibration)
 {
-    const auto noun = line.addNoun(calibration.noun, "The factory calibration of " + calibration.about);
-    const auto& name = calibration.noun;
-    noun.addExamples({name + " plan", fmt::format("{} save {}", name, calibration.file)});
-    addPlanVerb<Control>(line, noun);
-    addCalibrationVerbs(line, noun, calibration);
+    line.addNoun(calibration.noun, "The factory calibration of " + calibration.about,
+                 [calibration](CommandLine& ofNoun, Command noun) {
+                     const auto& name = calibration.noun;
+                     noun.addExamples({name + " plan", fmt::format("{} save {}", name, calibration.file)});
+                     addPlanVerb<Control>(ofNoun, noun);
+                     addCalibrationVerbs(ofNoun, noun, calibration);
+                 });
 }
 
 /// Hears of the write of a factory calibration; `words` as in `WriteObserver`.

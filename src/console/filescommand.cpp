@@ -12,9 +12,10 @@
 
 namespace tarn::console {
 
-void FilesCommand::addTo(CommandLine& line)
+namespace {
+
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("files", "The instrument's file memory");
     noun.addExamples({"files list", "files write settings.bin", "files read settings.bin -o copy.bin"});
     line.addVerb(noun, "list", "List the files: size in bytes and name", &filesverbs::listFiles);
     line.addVerb(noun, "space", "Show how much the file memory holds", &filesverbs::showSpace);
@@ -43,6 +44,13 @@ void FilesCommand::addTo(CommandLine& line)
     deleteVerb.addWord("NAME", remove->name, "The file's name on the instrument");
     remove->confirmation.addTo(deleteVerb);
     deleteVerb.addExamples({"files delete settings.bin", "files delete settings.bin --yes"});
+}
+
+} // namespace
+
+void FilesCommand::addTo(CommandLine& line)
+{
+    line.addNoun("files", "The instrument's file memory", &addVerbs);
 }
 
 void FilesCommand::tour(Tour& tour)

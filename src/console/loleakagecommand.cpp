@@ -62,15 +62,19 @@ CommandLine::Run switchTo(bool enabled)
     };
 }
 
-} // namespace
-
-void LoLeakageCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("lo-leakage", "The local-oscillator leakage function");
     noun.addExamples({"lo-leakage show", "lo-leakage on"});
     line.addVerb(noun, "show", "Show whether it is on", &show);
     line.addVerb(noun, "on", "Switch it on", switchTo(true));
     line.addVerb(noun, "off", "Switch it off", switchTo(false));
+}
+
+} // namespace
+
+void LoLeakageCommand::addTo(CommandLine& line)
+{
+    line.addNoun("lo-leakage", "The local-oscillator leakage function", &addVerbs);
 }
 
 void LoLeakageCommand::tour(Tour& tour)

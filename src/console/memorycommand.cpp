@@ -9,9 +9,10 @@
 
 namespace tarn::console {
 
-void MemoryCommand::addTo(CommandLine& line)
+namespace {
+
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("memory", "The instrument's non-volatile memory as a whole");
     noun.addExamples({"memory read -o backup.img", "memory write new.img", "memory check"});
 
     const auto read = std::make_shared<memoryverbs::ReadOptions>();
@@ -37,6 +38,13 @@ void MemoryCommand::addTo(CommandLine& line)
     eraseVerb.addExamples({"memory erase", "memory erase --yes"});
 
     line.addVerb(noun, "check", "Have the memory checked against its own checksums", &memoryverbs::checkMemory);
+}
+
+} // namespace
+
+void MemoryCommand::addTo(CommandLine& line)
+{
+    line.addNoun("memory", "The instrument's non-volatile memory as a whole", &addVerbs);
 }
 
 void MemoryCommand::tour(Tour& tour)

@@ -177,11 +177,8 @@ void writePotentiometer(Session& session, const WriteOptions& options)
                               : fmt::format("wrote {} to the EEPROM of '{}', read back and compared", value, name));
 }
 
-} // namespace
-
-void PotentiometersCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("potentiometers", "The instrument's digital potentiometers");
     noun.addExamples({"potentiometers list", "potentiometers read 0", "potentiometers write 0 128"});
     line.addVerb(noun, "list", "List them: index, name and range", &listPotentiometers);
 
@@ -197,6 +194,13 @@ void PotentiometersCommand::addTo(CommandLine& line)
     writeVerb.addWord("VALUE", write->value, "The value, in steps: a whole decimal number");
     writeVerb.addFlag("--eeprom", write->eeprom, "Write the EEPROM instead, read it back and compare");
     writeVerb.addExamples({"potentiometers write 0 128", "potentiometers write 0 128 --eeprom"});
+}
+
+} // namespace
+
+void PotentiometersCommand::addTo(CommandLine& line)
+{
+    line.addNoun("potentiometers", "The instrument's digital potentiometers", &addVerbs);
 }
 
 void PotentiometersCommand::tour(Tour& tour)

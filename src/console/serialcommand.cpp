@@ -97,11 +97,8 @@ void writeNumber(Session& session, const WriteOptions& options)
                           : fmt::format("wrote the serial number {}, read back and compared", number));
 }
 
-} // namespace
-
-void SerialCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("serial", "The instrument's serial number");
     noun.addExamples({"serial show", "serial write 20417"});
     line.addVerb(noun, "show", "Show the serial number", &show);
 
@@ -111,6 +108,13 @@ void SerialCommand::addTo(CommandLine& line)
     verb.addWord("NUMBER", write->number, "The new serial number, from 0 to 4294967295");
     write->confirmation.addTo(verb);
     verb.addExamples({"serial write 20417", "serial write 20417 --yes"});
+}
+
+} // namespace
+
+void SerialCommand::addTo(CommandLine& line)
+{
+    line.addNoun("serial", "The instrument's serial number", &addVerbs);
 }
 
 void SerialCommand::tour(Tour& tour)

@@ -108,11 +108,8 @@ void showOverride(Session& session)
     session.output().result(QJsonObject{{QStringLiteral("supported"), supported}}, yesNo(supported));
 }
 
-} // namespace
-
-void SystemTermsCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("system-terms", "The system error terms that the instrument stores");
     noun.addExamples({"system-terms plan", "system-terms plan -o plan.json",
                       "system-terms example --plan plan.json > terms.json", "system-terms write terms.json"});
     addPlanVerb<Control>(line, noun);
@@ -144,6 +141,13 @@ void SystemTermsCommand::addTo(CommandLine& line)
     example.addOption("--ports", "N", read, fmt::format("Of how many ports, {} at most [{}]", mostPorts, *ports));
     line.addVerb(noun, "example-plan", "Print a valid plan, for --plan",
                  [](Session& session) { showExample(session, planFileText(examplePlan())); });
+}
+
+} // namespace
+
+void SystemTermsCommand::addTo(CommandLine& line)
+{
+    line.addNoun("system-terms", "The system error terms that the instrument stores", &addVerbs);
 }
 
 void SystemTermsCommand::tour(Tour& tour)

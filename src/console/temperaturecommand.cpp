@@ -83,11 +83,8 @@ void watch(Session& session, const WatchOptions& options)
         .run();
 }
 
-} // namespace
-
-void TemperatureCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("temperature", "The temperatures of the instrument and its modules");
     noun.addExamples({"temperature show", "temperature watch --interval 1s"});
     line.addVerb(noun, "show", "Show the last measurement, in degrees Celsius", &show);
 
@@ -99,6 +96,13 @@ void TemperatureCommand::addTo(CommandLine& line)
     addIntervalOption(verb, options->interval,
                       "Show at most one reading in this time, for example 500ms; a day at most");
     verb.addExamples({"temperature watch", "temperature watch --count 10 --interval 1s --json"});
+}
+
+} // namespace
+
+void TemperatureCommand::addTo(CommandLine& line)
+{
+    line.addNoun("temperature", "The temperatures of the instrument and its modules", &addVerbs);
 }
 
 void TemperatureCommand::tour(Tour& tour)

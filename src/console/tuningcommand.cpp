@@ -106,11 +106,8 @@ void addWatch(CommandLine& line, Command noun, const Tuning& tuning)
     addExample(watch, tuning, "watch --count 10 --interval 500ms --json");
 }
 
-} // namespace
-
-void addTuningCommands(CommandLine& line, const Tuning& tuning)
+void addVerbs(CommandLine& line, Command noun, const Tuning& tuning)
 {
-    const auto noun = line.addNoun(std::string{tuning.name}, std::string{tuning.description});
     noun.addExamples({fmt::format("{} show", tuning.name), fmt::format("{} set {}", tuning.name, tuning.example)});
     addSettingVerbs(line, noun, tuning);
     if (!tuning.tables.empty())
@@ -120,6 +117,14 @@ void addTuningCommands(CommandLine& line, const Tuning& tuning)
                      [&tuning](Session& session) { tuningverbs::reset(session, tuning); });
     if (tuning.connect)
         addWatch(line, noun, tuning);
+}
+
+} // namespace
+
+void addTuningCommands(CommandLine& line, const Tuning& tuning)
+{
+    line.addNoun(std::string{tuning.name}, std::string{tuning.description},
+                 [&tuning](CommandLine& ofNoun, Command noun) { addVerbs(ofNoun, noun, tuning); });
 }
 
 void tourTuning(Tour& tour, const Tuning& tuning)

@@ -172,11 +172,8 @@ void writeIdentity(Session& session, const WriteOptions& options)
                             text(device.usbId), device.modelName, identical ? "" : ", read back and compared"));
 }
 
-} // namespace
-
-void UsbCommand::addTo(CommandLine& line)
+void addVerbs(CommandLine& line, Command noun)
 {
-    const auto noun = line.addNoun("usb", "The identity that the instrument shows on the USB");
     noun.addExamples({"usb show", "usb list", "usb write 'Pell 102'"});
     line.addVerb(noun, "show", "Show the identity", &show);
     line.addVerb(noun, "list", "List the identities that the instrument can be given; '*' is the present one", &list);
@@ -187,6 +184,13 @@ void UsbCommand::addTo(CommandLine& line)
     verb.addWord("IDENTITY", write->identity, "VENDOR:PRODUCT in hexadecimal, or the model's name; one of 'usb list'");
     write->confirmation.addTo(verb);
     verb.addExamples({"usb write 'Pell 102'", "usb write 'Pell 102' --yes"});
+}
+
+} // namespace
+
+void UsbCommand::addTo(CommandLine& line)
+{
+    line.addNoun("usb", "The identity that the instrument shows on the USB", &addVerbs);
 }
 
 void UsbCommand::tour(Tour& tour)
