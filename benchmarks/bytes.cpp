@@ -1,5 +1,6 @@
 // Files and images of the memory, 64 KiB to 256 MiB: through the adapters, against memcpy into the same kind of buffer.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/service/sdkfilememorycontrol.h>
@@ -61,13 +62,6 @@ public:
 
     std::vector<std::byte> image;
 };
-
-template <class Adapter, class Interface, class Control>
-std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<Control>& control)
-{
-    return std::make_shared<Adapter>(devices::ReacquiringControl<Interface>{
-        [control] { return sdk::ControlHandle<Interface>{std::shared_ptr<Interface>{control}}; }});
-}
 
 /// How often a buffer of that size is made at a time.
 std::uint64_t timesOf(std::size_t size)

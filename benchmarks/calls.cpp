@@ -49,11 +49,6 @@ std::function<Handle()> reacquire(const std::shared_ptr<Device>& device)
     return [device] { return Handle{device->control<Sdk>(Sdk::key)}; };
 }
 
-std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<Device>& device)
-{
-    return std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire(device)});
-}
-
 /// What the adapter does, by hand.
 class ByHand {
 public:
@@ -104,7 +99,7 @@ Way reacquiringGetter(const char* name, const std::shared_ptr<Device>& device, c
 /// Two threads, each with a control of its own, and one alone.
 std::vector<Way> onTwoThreads()
 {
-    const auto adapter = [] { return adapterOf(std::make_shared<Device>()); };
+    const auto adapter = [] { return adapterOn<Adapter, Sdk>(std::make_shared<Device>()); };
     const auto byHand = [] { return std::make_shared<ByHand>(std::make_shared<Device>()); };
     const auto asking = [](const auto& control) { return [control] { return control->isEnabled(); }; };
     const std::string row = "getter on two threads";
@@ -165,7 +160,7 @@ std::vector<Way> otherGetters(const std::shared_ptr<Device>& device)
 std::vector<Way> allWays()
 {
     const auto device = std::make_shared<Device>();
-    const auto adapter = adapterOf(device);
+    const auto adapter = adapterOn<Adapter, Sdk>(device);
     const auto byHand = std::make_shared<ByHand>(device);
     const auto restless = std::make_shared<Device>();
     std::vector<Way> ways{
@@ -173,7 +168,7 @@ std::vector<Way> allWays()
         getter("shortest code", byHand),
         setter("library", adapter),
         setter("shortest code", byHand),
-        reacquiringGetter("library", restless, adapterOf(restless)),
+        reacquiringGetter("library", restless, adapterOn<Adapter, Sdk>(restless)),
         reacquiringGetter("shortest code", restless, std::make_shared<ByHand>(restless)),
         repeated("reacquiring getter", "the drop alone", [restless] { restless->renew(); }),
     };

@@ -36,6 +36,9 @@ char console[] = TARN_CONSOLE;
 char controls[] = "controls";
 char* consoleArguments[] = {console, controls, nullptr};
 
+char version[] = "--version";
+char* versionArguments[] = {console, version, nullptr};
+
 char empty[] = TARN_EMPTY_PROGRAM;
 char* emptyArguments[] = {empty, nullptr};
 
@@ -48,6 +51,7 @@ std::vector<Way> allWays()
     qunsetenv("TARN_SERVICE_PROVIDERS");
     return {
         repeated("tarn-service controls", "library", [] { run(consoleArguments); }),
+        repeated("tarn-service controls", "tarn-service --version", [] { run(versionArguments); }),
         repeated("tarn-service controls", "empty program", [] { run(emptyArguments); }),
     };
 }

@@ -1,6 +1,7 @@
 // What it costs to bring lists of records into the SDK's form and back: the library's way against `reserve` and
 // `push_back` of the same fields.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/service/frequencyplanconversion.h>
@@ -25,7 +26,6 @@
 namespace tarn::benchmarks {
 namespace {
 
-using devices::ReacquiringControl;
 using devices::service::IFileMemoryControl;
 using devices::service::SdkFileMemoryControl;
 using devices::service::SdkVellFactoryPowerCalibrationControl;
@@ -69,12 +69,6 @@ public:
         consume(points);
     }
 };
-
-template <class Interface, class Sink>
-ReacquiringControl<Interface> handleTo(const std::shared_ptr<Sink>& sink)
-{
-    return ReacquiringControl<Interface>{[sink] { return sdk::ControlHandle<Interface>{sink}; }};
-}
 
 std::vector<vna::FrequencySegment> segments(std::size_t count)
 {
@@ -189,7 +183,7 @@ std::vector<Way> plans(std::size_t count)
 /// How often a list of that length is made at a time.
 std::uint64_t timesOf(std::size_t count)
 {
-    return std::clamp<std::size_t>(3'000'000 / count, 4, 2'000);
+    return std::clamp<std::size_t>(3'000'000 / count, 8, 2'000);
 }
 
 std::vector<Way> calibrations(std::size_t count)
@@ -197,10 +191,10 @@ std::vector<Way> calibrations(std::size_t count)
     const auto of = ", " + std::to_string(count);
     const auto times = timesOf(count);
     const auto powerSink = std::make_shared<PowerSink>();
-    const auto power = std::make_shared<SdkVellFactoryPowerCalibrationControl>(handleTo<SdkPower>(powerSink));
+    const auto power = adapterOf<SdkVellFactoryPowerCalibrationControl, SdkPower>(powerSink);
     const auto somePoints = [data = points(count)] { return data; };
     const auto ifswSink = std::make_shared<IfswSink>();
-    const auto ifsw = std::make_shared<SdkVellIfswCalibrationControl>(handleTo<SdkIfsw>(ifswSink));
+    const auto ifsw = adapterOf<SdkVellIfswCalibrationControl, SdkIfsw>(ifswSink);
     const auto someRecords = [data = records(count)] { return data; };
     return {
         prepared("power points" + of, "library", times, somePoints,
@@ -219,7 +213,7 @@ std::vector<Way> fileLists(std::size_t count)
     const auto of = ", " + std::to_string(count);
     const auto times = timesOf(count);
     const auto listing = std::make_shared<Listing>();
-    const auto adapter = std::make_shared<SdkFileMemoryControl>(handleTo<SdkFiles>(listing));
+    const auto adapter = adapterOf<SdkFileMemoryControl, SdkFiles>(listing);
     const auto list = [count, listing] {
         std::vector<SdkFiles::FileInfo> files;
         for (std::size_t i = 0; i != count; ++i)

@@ -1,5 +1,11 @@
 #include "fakes.h"
 
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+#include <utility>
+
 namespace tarn::benchmarks {
 namespace {
 
@@ -10,6 +16,35 @@ public:
 
 private:
     bool m_enabled = false;
+};
+
+class RemoteSerialNumber final : public SerialNumber {
+public:
+    void serialNumber(sdk::Completion<unsigned int> done) override
+    {
+        {
+            const std::scoped_lock lock{m_mutex};
+            m_done = std::move(done);
+        }
+        m_changed.notify_one();
+    }
+
+private:
+    void run(const std::stop_token& stop)
+    {
+        std::unique_lock lock{m_mutex};
+        while (m_changed.wait(lock, stop, [this] { return static_cast<bool>(m_done); })) {
+            const auto done = std::exchange(m_done, nullptr);
+            lock.unlock();
+            done(benchmarks::serialNumber, {});
+            lock.lock();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable_any m_changed;
+    sdk::Completion<unsigned int> m_done;
+    std::jthread m_thread{[this](const std::stop_token& stop) { run(stop); }};
 };
 
 class Ears final : public devices::service::ISerialNumberControl::IObserver {
@@ -25,6 +60,36 @@ private:
 std::shared_ptr<sdk::service::ILoLeakageControl> makeLoLeakage()
 {
     return std::make_shared<LoLeakage>();
+}
+
+bool SerialNumber::isAvailable()
+{
+    return true;
+}
+
+void SerialNumber::serialNumber(sdk::Completion<unsigned int> done)
+{
+    done(benchmarks::serialNumber, {});
+}
+
+void SerialNumber::writeSerialNumber(unsigned int /*number*/, sdk::Completion<> done)
+{
+    done({});
+}
+
+void SerialNumber::addObserver(Observer* observer)
+{
+    attached = observer;
+}
+
+void SerialNumber::removeObserver(Observer* /*observer*/)
+{
+    attached = nullptr;
+}
+
+std::shared_ptr<SerialNumber> makeRemoteSerialNumber()
+{
+    return std::make_shared<RemoteSerialNumber>();
 }
 
 std::unique_ptr<devices::service::ISerialNumberControl::IObserver> makeEars()

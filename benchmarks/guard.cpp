@@ -1,6 +1,7 @@
 // What the guard costs a request that the device completes before the operation returns: a serial number read through
 // the adapter, from a guarded device against the bare one.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/service/sdkserialnumbercontrol.h>
@@ -14,15 +15,6 @@ namespace {
 using Sdk = sdk::service::IMemorySerialNumberControl;
 using Adapter = devices::service::SdkSerialNumberControl;
 
-class Answering final : public Sdk {
-public:
-    bool isAvailable() override { return true; }
-    void serialNumber(sdk::Completion<unsigned int> completion) override { completion(1'000'001, {}); }
-    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> completion) override { completion({}); }
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-};
-
 /// Has a serial number and nothing else.
 class Device final : public sdk::IVna {
 public:
@@ -32,18 +24,13 @@ public:
     [[nodiscard]] sdk::Model model() const override { return sdk::Model{"Benchmark"}; }
 
 private:
-    std::shared_ptr<Sdk> m_serial = std::make_shared<Answering>();
+    std::shared_ptr<Sdk> m_serial = std::make_shared<SerialNumber>();
 };
-
-std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
-{
-    return std::make_shared<Adapter>(
-        devices::ReacquiringControl<Sdk>{[device] { return sdk::ControlHandle<Sdk>{device->control<Sdk>(Sdk::key)}; }});
-}
 
 Way reading(const char* name, const std::shared_ptr<sdk::IVna>& device)
 {
-    return repeated("guarded request", name, [adapter = adapterOf(device)] { return adapter->serialNumber(); });
+    return repeated("guarded request", name,
+                    [adapter = adapterOn<Adapter, Sdk>(device)] { return adapter->serialNumber(); });
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The simulated instrument through the library: a plain operation, and its largest image.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/service/sdkloleakagecontrol.h>
@@ -20,21 +21,14 @@ using devices::service::SdkMemoryOperationsControl;
 using SdkMemory = sdk::service::IMemoryOperationsControl;
 using SdkLoLeakage = sdk::service::ILoLeakageControl;
 
-template <class Adapter, class Sdk>
-std::shared_ptr<Adapter> adapterOf(const std::shared_ptr<sdk::IVna>& device)
-{
-    return std::make_shared<Adapter>(
-        devices::ReacquiringControl<Sdk>{[device] { return sdk::ControlHandle<Sdk>{device->control<Sdk>(Sdk::key)}; }});
-}
-
 } // namespace
 
 std::vector<Way> allWays()
 {
     const auto address = QStringLiteral("profile=full,memory-size=256MiB,speed=unlimited");
     const auto device = simulator::open({address, QStringLiteral("none")}).value();
-    const auto leakage = adapterOf<SdkLoLeakageControl, SdkLoLeakage>(device);
-    const auto memory = adapterOf<SdkMemoryOperationsControl, SdkMemory>(device);
+    const auto leakage = adapterOn<SdkLoLeakageControl, SdkLoLeakage>(device);
+    const auto memory = adapterOn<SdkMemoryOperationsControl, SdkMemory>(device);
     const auto image = std::make_shared<const std::vector<std::byte>>(std::size_t{256} << 20U, std::byte{0xa5});
     if (!memory->write(*image))
         std::abort();

@@ -2,6 +2,7 @@
 // many.
 
 #include "fakes.h"
+#include "rawloop.h"
 #include "ways.h"
 
 #include <devices/service/sdkserialnumbercontrol.h>
@@ -25,17 +26,6 @@ namespace {
 using Sdk = sdk::service::IMemorySerialNumberControl;
 using Adapter = devices::service::SdkSerialNumberControl;
 using devices::service::Progress;
-
-class SerialNumber final : public Sdk {
-public:
-    bool isAvailable() override { return true; }
-    void serialNumber(sdk::Completion<unsigned int> done) override { done(0, {}); }
-    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> done) override { done({}); }
-    void addObserver(Observer* observer) override { attached = observer; }
-    void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
-
-    Observer* attached = nullptr; ///< the adapter's
-};
 
 /// Emits a signal.
 class Sender final : public QObject {
@@ -75,8 +65,7 @@ struct Audience {
     std::vector<std::unique_ptr<Adapter::IObserver>> ears;
     std::vector<std::unique_ptr<Receiver>> receivers;
     std::shared_ptr<SerialNumber> control = std::make_shared<SerialNumber>();
-    std::shared_ptr<Adapter> adapter = std::make_shared<Adapter>(
-        devices::ReacquiringControl<Sdk>{[this] { return sdk::ControlHandle<Sdk>{std::shared_ptr<Sdk>{control}}; }});
+    std::shared_ptr<Adapter> adapter = adapterOf<Adapter, Sdk>(control);
     std::mutex mutex;
     std::vector<Adapter::IObserver*> pointers;
     Sender sender;
@@ -85,6 +74,7 @@ struct Audience {
 #endif
 };
 
+/// The same loop within the program.
 [[gnu::noinline]] void tellAll(const std::vector<Adapter::IObserver*>& observers, const Progress& progress)
 {
     for (auto* const observer : observers)
@@ -99,7 +89,8 @@ std::vector<Way> progressTo(std::size_t size)
     return {
         repeated(row, "library", [audience] { audience->control->attached->onWriteProgressChanged(1, 2); }),
         repeated(row, "lock", [audience] { const std::scoped_lock lock{audience->mutex}; }),
-        repeated(row, "raw loop", [audience] { tellAll(audience->pointers, {2, 1}); }),
+        repeated(row, "raw loop", [audience] { tellAllFromAfar(audience->pointers, {2, 1}); }),
+        repeated(row, "raw loop in the program", [audience] { tellAll(audience->pointers, {2, 1}); }),
         repeated(row, "Qt direct connection", [audience] { Q_EMIT audience->sender.progressChanged({2, 1}); }),
 #ifdef TARN_WITH_BOOST
         repeated(row, "boost::signals2", [audience] { audience->boostSignal({2, 1}); }),

@@ -1,6 +1,7 @@
 // A request that ends in a completion, made as a call that returns its result: through the adapter, and by other ways
 // to wait for a callback. The device completes it before the operation returns, or from a thread of its own.
 
+#include "fakes.h"
 #include "shortesthandle.h"
 #include "ways.h"
 
@@ -21,10 +22,8 @@
 #include <future>
 #include <memory>
 #include <mutex>
-#include <stop_token>
 #include <string>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace tarn::benchmarks {
@@ -32,55 +31,8 @@ namespace {
 
 using Sdk = sdk::service::IMemorySerialNumberControl;
 using Adapter = devices::service::SdkSerialNumberControl;
-using Done = sdk::Completion<unsigned int>;
 using Error = Adapter::Error;
 using Result = std::expected<unsigned int, Error>;
-
-constexpr unsigned int number = 1'000'001;
-
-class SerialNumber : public Sdk {
-public:
-    bool isAvailable() override { return true; }
-    void writeSerialNumber(unsigned int /*number*/, sdk::Completion<> done) override { done({}); }
-    void addObserver(Observer* /*observer*/) override { }
-    void removeObserver(Observer* /*observer*/) override { }
-};
-
-/// Completes every request at once.
-class Inline final : public SerialNumber {
-public:
-    void serialNumber(Done done) override { done(number, {}); }
-};
-
-/// Completes every request from a thread of its own, one at a time.
-class Remote final : public SerialNumber {
-public:
-    void serialNumber(Done done) override
-    {
-        {
-            const std::scoped_lock lock{m_mutex};
-            m_done = std::move(done);
-        }
-        m_changed.notify_one();
-    }
-
-private:
-    void run(const std::stop_token& stop)
-    {
-        std::unique_lock lock{m_mutex};
-        while (m_changed.wait(lock, stop, [this] { return static_cast<bool>(m_done); })) {
-            const auto done = std::exchange(m_done, nullptr);
-            lock.unlock();
-            done(number, {});
-            lock.lock();
-        }
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable_any m_changed;
-    Done m_done;
-    std::jthread m_thread{[this](const std::stop_token& stop) { run(stop); }};
-};
 
 Result outcome(unsigned int value, std::error_code code)
 {
@@ -162,9 +114,8 @@ std::vector<Way> requests(const std::string& row, const std::shared_ptr<Sdk>& co
             return locked ? wait(*locked) : std::unexpected{Error::Failed};
         });
     };
-    const auto adapter = std::make_shared<Adapter>(devices::ReacquiringControl<Sdk>{reacquire});
     return {
-        repeated(row, "library", [adapter] { return adapter->serialNumber(); }),
+        repeated(row, "library", [adapter = adapterOf<Adapter>(control)] { return adapter->serialNumber(); }),
         peer("promise and future", &byPromise),
         peer("QPromise", &byQPromise),
         peer("QEventLoop", &byEventLoop),
@@ -183,8 +134,8 @@ std::vector<Way> allWays()
     static char* arguments[] = {name, nullptr};
     static int argumentCount = 1;
     static const QCoreApplication application{argumentCount, arguments}; // without one there are no event loops
-    auto ways = requests("request, completed at once", std::make_shared<Inline>());
-    for (auto& way : requests("request, completed from another thread", std::make_shared<Remote>()))
+    auto ways = requests("request, completed at once", std::make_shared<SerialNumber>());
+    for (auto& way : requests("request, completed from another thread", makeRemoteSerialNumber()))
         ways.push_back(std::move(way));
     return ways;
 }

@@ -1,5 +1,6 @@
 // A refresh of the temperatures of 10 to 1,000 modules, against converting and sorting them by hand, and their reading.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/service/sdktemperaturecontrol.h>
@@ -107,8 +108,7 @@ std::vector<Way> snapshots(std::size_t modules)
 {
     const auto of = " of " + std::to_string(modules) + " temperatures";
     const auto control = std::make_shared<Temperatures>(modules);
-    const auto adapter = std::make_shared<Adapter>(
-        devices::ReacquiringControl<Sdk>{[control] { return sdk::ControlHandle<Sdk>{std::shared_ptr<Sdk>{control}}; }});
+    const auto adapter = adapterOf<Adapter, Sdk>(control);
     const auto hand = std::make_shared<ByHand>();
     hand->refresh(*control);
     const auto refresh = [control] { control->attached->onTemperatureChanged(); };

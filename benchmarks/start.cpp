@@ -28,6 +28,7 @@
 #include <algorithm>
 #include <any>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -93,10 +94,25 @@ constexpr std::any (*byHand[])(sdk::IVna*) = {
     &create<SdkCalibrationControlHandle, SdkCalibrationControlHandle, ICalibrationController>,
 };
 
-std::shared_ptr<sdk::IVna> instrument()
-{
-    return simulator::open({QStringLiteral("profile=full"), QStringLiteral("none")}).value();
-}
+/// Hands out controls that it has ready: those of the simulated instrument, which takes longer to make them.
+class Device final : public sdk::IVna {
+public:
+    std::shared_ptr<void> control(sdk::Key key) override
+    {
+        auto& control = m_controls[key];
+        if (!control)
+            control = m_instrument->control(key);
+        return control;
+    }
+    void addObserver(Observer* /*observer*/) override { }
+    void removeObserver(Observer* /*observer*/) override { }
+    [[nodiscard]] sdk::Model model() const override { return m_instrument->model(); }
+
+private:
+    std::shared_ptr<sdk::IVna> m_instrument
+        = simulator::open({QStringLiteral("profile=full"), QStringLiteral("none")}).value();
+    std::map<sdk::Key, std::shared_ptr<void>> m_controls;
+};
 
 /// The controls, if each was offered.
 std::optional<std::vector<std::any>> offered(std::vector<std::any>& controls)
@@ -132,7 +148,8 @@ std::vector<Way> creation(const std::shared_ptr<sdk::IVna>& device, std::size_t 
 
 std::vector<Way> allWays()
 {
-    auto ways = forEach({1, 5, 10, 20}, [device = instrument()](std::size_t count) { return creation(device, count); });
+    auto ways = forEach({1, 5, 10, 20},
+                        [device = std::make_shared<Device>()](std::size_t count) { return creation(device, count); });
     ways.push_back(repeated("registration", "library", [] { return allControls(); }));
     return ways;
 }

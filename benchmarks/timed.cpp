@@ -6,9 +6,12 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <climits>
 #include <cstdlib>
 #include <stop_token>
 #include <thread>
+
+#include <malloc.h>
 
 namespace tarn::benchmarks {
 namespace {
@@ -46,6 +49,10 @@ Measured::~Measured()
 int main(int argc, char** argv)
 {
     using namespace tarn::benchmarks;
+    // What is freed stays with the program, as in one that has run for long; but for the largest blocks, which each
+    // time come from the system. Else it depends on the order of what is freed who pays for that.
+    ::mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    ::mallopt(M_TRIM_THRESHOLD, INT_MAX);
     // A program with one thread would be spared the atomic operations.
     const std::jthread other{[](const std::stop_token& stop) {
         while (!stop.stop_requested())

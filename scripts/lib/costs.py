@@ -8,19 +8,15 @@ import re
 import subprocess
 import sys
 
+from benchtable import weights
+
 TIMES = 100
 COUNTED = {"instructions", "atomics", "allocations"}
 ATOMIC = re.compile(r"^ *([0-9a-f]+):\s+(?:lock |xchg .*\()")
 
 
-def peers(goal):
-    """The ways that the library is held against."""
-    against = goal.get("against", {})
-    return [against] if isinstance(against, str) else list(against)
-
-
 def wanted(goals):
-    return sorted({f"{goal['row']}/{way}" for goal in goals if COUNTED & goal.keys() for way in ["library", *peers(goal)]})
+    return sorted({f"{goal['row']}/{way}" for goal in goals if COUNTED & goal.keys() for way in ["library", *weights(goal)]})
 
 
 def atomic_addresses(library, known={}):

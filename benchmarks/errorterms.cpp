@@ -1,0 +1,80 @@
+// System error terms of two ports, brought into the SDK's form: the library's way against `reserve` and `push_back` of
+// each trace.
+
+#include "ways.h"
+
+#include <devices/errortermsconversion.h>
+
+#include <complex>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::benchmarks {
+namespace {
+
+using sdk::corrections::ErrorTerms;
+
+vna::ErrorTerms terms(std::size_t points)
+{
+    vna::ErrorTerms result{2, std::vector<double>(points, 1e9)};
+    for (std::size_t point = 0; point != points; ++point) {
+        const std::complex<double> value{static_cast<double>(point), 1};
+        for (std::size_t port = 1; port <= 2; ++port) {
+            result.reflection(point, port) = {value, -value, 1.0 + value};
+            result.transmission(point, port, 3 - port) = {value, 2.0 + value, -value};
+        }
+    }
+    return result;
+}
+
+template <class Term>
+ErrorTerms::Trace trace(std::size_t points, Term term)
+{
+    ErrorTerms::Trace result;
+    result.reserve(points);
+    for (std::size_t point = 0; point != points; ++point)
+        result.push_back(term(point));
+    return result;
+}
+
+[[gnu::noinline]] ErrorTerms plainToSdk(const vna::ErrorTerms& from)
+{
+    const auto points = from.frequencies().size();
+    ErrorTerms to{{from.frequencies().begin(), from.frequencies().end()}, {}, {}};
+    to.ports.reserve(2);
+    to.portPairs.reserve(2);
+    for (std::uint32_t port = 1; port <= 2; ++port) {
+        to.ports.push_back(
+            {trace(points, [&](auto point) { return from.reflection(point, port).directivity; }),
+             trace(points, [&](auto point) { return from.reflection(point, port).sourceMatch; }),
+             trace(points, [&](auto point) { return from.reflection(point, port).reflectionTracking; })});
+        const auto term
+            = [&](auto point) -> const vna::TransmissionTerms& { return from.transmission(point, 3 - port, port); };
+        to.portPairs.push_back({port, 3 - port, trace(points, [&](auto point) { return term(point).loadMatch; }),
+                                trace(points, [&](auto point) { return term(point).transmissionTracking; }),
+                                trace(points, [&](auto point) { return term(point).isolation; })});
+    }
+    return to;
+}
+
+std::vector<Way> conversion(std::size_t points)
+{
+    const auto row = "error terms, " + std::to_string(points);
+    const auto from = std::make_shared<const vna::ErrorTerms>(terms(points));
+    return {
+        repeated(row, "library", [from] { return devices::errorTermsToSdk(*from); }),
+        repeated(row, "push_back", [from] { return plainToSdk(*from); }),
+    };
+}
+
+} // namespace
+
+std::vector<Way> allWays()
+{
+    return forEach(isCounted ? Sizes{1'000} : Sizes{1'000, 30'000, 1'000'000}, &conversion);
+}
+
+} // namespace tarn::benchmarks
