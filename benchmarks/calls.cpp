@@ -104,9 +104,9 @@ std::vector<Way> onTwoThreads()
     const auto asking = [](const auto& control) { return [control] { return control->isEnabled(); }; };
     const std::string row = "getter on two threads";
     return {
-        together(row, "library", asking(adapter()), asking(adapter())),
+        beside(asking(adapter()), repeated(row, "library", asking(adapter()))),
         repeated(row, "alone", asking(adapter())),
-        together(row, "shortest code", asking(byHand()), asking(byHand())),
+        beside(asking(byHand()), repeated(row, "shortest code", asking(byHand()))),
         repeated(row, "shortest code alone", asking(byHand())),
     };
 }

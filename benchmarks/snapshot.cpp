@@ -1,6 +1,7 @@
 // A refresh of the temperatures of 10 to 1,000 modules, against converting and sorting them by hand, and their reading.
 
 #include "fakes.h"
+#include "shortesthandle.h"
 #include "ways.h"
 
 #include <devices/service/sdktemperaturecontrol.h>
@@ -64,16 +65,24 @@ private:
 /// What the adapter has to do, and no more.
 class ByHand {
 public:
-    [[gnu::noinline]] void refresh(Sdk& control)
+    explicit ByHand(const std::shared_ptr<Sdk>& control)
+        : m_handle{[control] { return sdk::ControlHandle<Sdk>{control}; }}
     {
+    }
+
+    [[gnu::noinline]] void refresh()
+    {
+        const auto control = m_handle.lock();
+        if (!control)
+            return;
         std::vector<Adapter::ModuleTemperature> modules;
-        const auto& temperatures = control.moduleTemperatures();
+        const auto& temperatures = control->moduleTemperatures();
         modules.reserve(temperatures.size());
         for (const auto& [name, temperature] : temperatures)
             modules.push_back({QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())), temperature});
         std::sort(modules.begin(), modules.end(),
                   [](const auto& one, const auto& other) { return one.name < other.name; });
-        const double temperature = control.temperature();
+        const double temperature = control->temperature();
         const std::scoped_lock lock{m_mutex};
         m_modules.swap(modules);
         m_temperature = temperature;
@@ -86,6 +95,7 @@ public:
     }
 
 private:
+    ShortestHandle<Sdk> m_handle;
     std::mutex m_mutex;
     std::vector<Adapter::ModuleTemperature> m_modules;
     double m_temperature = 0;
@@ -109,24 +119,23 @@ std::vector<Way> snapshots(std::size_t modules)
     const auto of = " of " + std::to_string(modules) + " temperatures";
     const auto control = std::make_shared<Temperatures>(modules);
     const auto adapter = adapterOf<Adapter, Sdk>(control);
-    const auto hand = std::make_shared<ByHand>();
-    hand->refresh(*control);
+    const auto hand = std::make_shared<ByHand>(control);
+    hand->refresh();
     const auto refresh = [control] { control->attached->onTemperatureChanged(); };
     const auto read = [adapter] { return adapter->modulesTemperature(); };
     const auto readByHand = [hand] { return hand->modules(); };
     const auto reading = "reading" + of;
     return {
         repeated("refresh" + of, "library", refresh),
-        repeated("refresh" + of, "by hand", [control, hand] { hand->refresh(*control); }),
+        repeated("refresh" + of, "by hand", [hand] { hand->refresh(); }),
         repeated(reading, "library", read),
         repeated(reading, "by hand", readByHand),
-        together(reading + " by two threads", "library", read, read),
-        together(reading + " by two threads", "by hand", readByHand, readByHand),
+        beside(read, repeated(reading + " by two threads", "library", read)),
+        beside(readByHand, repeated(reading + " by two threads", "by hand", readByHand)),
         duringRefresh(control, repeated(reading + " during a refresh", "library", read)),
         repeated(reading + " during a refresh", "alone", read),
         beside(refresh, repeated(reading + " beside refreshes", "library", read)),
-        beside([control, hand] { hand->refresh(*control); },
-               repeated(reading + " beside refreshes", "by hand", readByHand)),
+        beside([hand] { hand->refresh(); }, repeated(reading + " beside refreshes", "by hand", readByHand)),
     };
 }
 

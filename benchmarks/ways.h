@@ -1,10 +1,10 @@
 #pragma once
 
-#include <barrier>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
+#include <latch>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -86,37 +86,17 @@ template <class Prepare, class Run>
     return {std::move(row), std::move(name), measure, times};
 }
 
-/// A way that two threads go as often each, the one with `run` and the other with `other`; over when both are.
-template <class Run>
-[[nodiscard]] Way together(std::string row, std::string name, Run run, Run other)
-{
-    return {std::move(row), std::move(name),
-            [run = std::move(run), other = std::move(other)](std::uint64_t times) mutable {
-                const auto repeat = [times](Run& task) {
-                    for (auto left = times; left != 0; --left)
-                        once(task);
-                };
-                std::barrier both{2};
-                std::jthread thread{[&] {
-                    both.arrive_and_wait();
-                    repeat(other);
-                }};
-                both.arrive_and_wait();
-                const Measured measured;
-                repeat(run);
-                thread.join();
-            }};
-}
-
-/// A way while a thread of its own does `task` again and again.
+/// A way while another thread does `task` again and again.
 template <class Task>
 [[nodiscard]] Way beside(Task task, Way way)
 {
-    way.run = [task = std::move(task), alone = std::move(way.run)](std::uint64_t times) {
-        const std::jthread other{[&task](const std::stop_token& stop) {
-            while (!stop.stop_requested())
-                task();
+    way.run = [task = std::move(task), alone = std::move(way.run)](std::uint64_t times) mutable {
+        std::latch started{1};
+        const std::jthread other{[&](const std::stop_token& stop) {
+            for (started.count_down(); !stop.stop_requested();)
+                once(task);
         }};
+        started.wait();
         alone(times);
     };
     return way;

@@ -4,6 +4,7 @@ every goal was met or has a reason why it cannot be; what such a goal keeps must
 
 import argparse
 import json
+import statistics
 import sys
 
 # What a goal may bound, its unit, and whether the bound is a ratio to the peers.
@@ -21,15 +22,16 @@ MORE = {"as many": 0, "one more": 1} # than the peer
 
 
 def medians(files):
-    """By row and way, the nanoseconds of one call."""
+    """By row and way, the nanoseconds of one call: the median of all repetitions."""
     times = {}
     for name in files:
         with open(name, encoding="utf-8") as file:
             for run in json.load(file)["benchmarks"]:
-                if run.get("aggregate_name") == "median":
+                if run["run_type"] == "iteration":
                     row, way = run["run_name"].split("/")[:2]
-                    times.setdefault(row, {})[way] = run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6}[run["time_unit"]]
-    return times
+                    nanoseconds = run["real_time"] * {"ns": 1, "us": 1e3, "ms": 1e6}[run["time_unit"]]
+                    times.setdefault(row, {}).setdefault(way, []).append(nanoseconds)
+    return {row: {way: statistics.median(all_times) for way, all_times in ways.items()} for row, ways in times.items()}
 
 
 def by_row(costs, measure):
