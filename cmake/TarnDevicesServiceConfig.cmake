@@ -1,0 +1,4 @@
+include(CMakeFindDependencyMacro)
+find_dependency(Qt6 6.4 COMPONENTS Core)
+
+include("${CMAKE_CURRENT_LIST_DIR}/TarnDevicesServiceTargets.cmake")
