@@ -25,7 +25,7 @@ function(tarn_find_libraries name folder)
     set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
 endfunction()
 
-# tarn_add_pkg_config(NAME EXPORT_NAME): tarn-NAME.pc, which requires what the target links.
+# tarn_add_pkg_config(NAME EXPORT_NAME): a pkg-config file named like the target, which requires what that links.
 function(tarn_add_pkg_config name export_name)
     get_target_property(links ${name} INTERFACE_LINK_LIBRARIES)
     get_target_property(type ${name} TYPE)

@@ -7,7 +7,7 @@ function(tarn_compress file)
     execute_process(COMMAND "${GZIP}" --best --no-name --force "${file}" COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-execute_process(COMMAND date --rfc-email OUTPUT_VARIABLE date OUTPUT_STRIP_TRAILING_WHITESPACE)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER ${component} upper)
     set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/${component}/usr/share")
