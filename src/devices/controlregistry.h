@@ -21,8 +21,8 @@ public:
     /// `std::any` holding the device pointer and returns one holding a shared pointer to the
     /// control, or an empty one when the device has none or the argument is of another type.
     struct ControlEntryBase {
-        std::uint64_t key;
-        std::function<std::any(std::any)> create;
+        std::uint64_t key; ///< the registry key
+        std::function<std::any(std::any)> create; ///< takes and returns what stands above
     };
 
     /// An entry whose creation function knows its device type.
@@ -30,8 +30,8 @@ public:
     /// Threads: reentrant; at once.
     template <class Device>
     struct ControlEntry {
-        std::uint64_t key;
-        std::function<std::any(Device*)> create;
+        std::uint64_t key; ///< the registry key
+        std::function<std::any(Device*)> create; ///< as that of `ControlEntryBase`, but for its argument
 
         /// Gives up the device type. The resulting function returns an empty `std::any` for an
         /// argument that is not exactly a `Device*`; exceptions other than `std::bad_any_cast`

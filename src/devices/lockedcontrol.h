@@ -12,11 +12,16 @@ namespace tarn::devices {
 /// on the thread at hand.
 template <class T>
 struct LockedControl {
-    std::shared_ptr<T> owner;
-    T* control = nullptr;
+    std::shared_ptr<T> owner; ///< keeps the control alive
+    T* control = nullptr; ///< the control, or null
 
+    /// Whether the control is available.
     [[nodiscard]] explicit operator bool() const noexcept { return control != nullptr; }
+
+    /// The control; null if it is unavailable.
     [[nodiscard]] T* operator->() const noexcept { return control; }
+
+    /// The control, which is available.
     [[nodiscard]] T& operator*() const noexcept { return *control; }
 };
 

@@ -25,8 +25,8 @@ enum class Breach : std::uint8_t {
 
 /// One breach. The request is named by the interface's key and the operation.
 struct BreachReport {
-    Breach breach;
-    sdk::Key control;
+    Breach breach; ///< what the device did
+    sdk::Key control; ///< the key of the control's interface
     std::string_view operation; ///< "readFile"; lasts as long as the program
     unsigned completions; ///< of this request so far, this one included
 };
@@ -56,6 +56,7 @@ public:
     virtual void onProgress() noexcept { }
 };
 
+/// How a device is guarded.
 struct Options {
     /// How long a request may take without progress that `onProgress` tells of, whichever request makes it. It is
     /// noticed up to an eighth of it later, below 16 ms up to 2 ms, or more on a busy computer and beside a guarded

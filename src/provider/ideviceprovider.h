@@ -29,6 +29,7 @@ struct AddressOption {
 
 /// Why an instrument could not be opened.
 struct OpenError {
+    /// What kind of reason it is; a host may decide by it.
     enum class Code {
         NotFound, ///< there is no instrument at the address
         InvalidAddress, ///< the address cannot be understood
@@ -37,7 +38,7 @@ struct OpenError {
         Failed, ///< anything else
     };
 
-    Code code;
+    Code code; ///< the kind of reason
     QString message; ///< what is wrong; names the address, file or holder
     QString hint; ///< what to do next
 };
@@ -71,8 +72,10 @@ public:
     /// and a host may change them without asking.
     [[nodiscard]] virtual bool isSimulated() const = 0;
 
-    /// How an address is written, one line for people, and the options that it may carry.
+    /// How an address is written, one line for people.
     [[nodiscard]] virtual QString addressSyntax() const = 0;
+
+    /// The options that an address may carry.
     [[nodiscard]] virtual QList<AddressOption> addressOptions() const = 0;
 
     /// The instruments that can be opened now; the first one is the default.

@@ -11,7 +11,7 @@ namespace sdk {
 /// Threads: thread-safe; at once, `setEnabled` when the instrument has taken it.
 class SDK_API IFactoryCorrectionControl {
 public:
-    static constexpr Key key{0xc425cf06760ca2b4};
+    static constexpr Key key{0xc425cf06760ca2b4}; ///< the device is asked for the control by it
 
     /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
     /// lock held; an observer may call any operation of the control.

@@ -13,7 +13,7 @@ namespace sdk {
 /// Threads: thread-safe; at once: the values are those of the instrument's last measurement.
 class SDK_API ITemperatureControl {
 public:
-    static constexpr Key key{0xddcecfebdb4f5570};
+    static constexpr Key key{0xddcecfebdb4f5570}; ///< the device is asked for the control by it
 
     /// Temperature in degrees Celsius by module name (UTF-8, unique).
     using ModuleTemperatures = std::unordered_map<std::string, float>;

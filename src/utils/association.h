@@ -18,7 +18,10 @@ public:
     {
     }
 
+    /// The observer.
     [[nodiscard]] constexpr T& operator*() const noexcept { return *m_observer; }
+
+    /// The observer; never null.
     [[nodiscard]] constexpr T* operator->() const noexcept { return m_observer; }
 
     friend constexpr bool operator==(Association, Association) noexcept = default;

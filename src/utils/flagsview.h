@@ -66,12 +66,16 @@ public:
         std::size_t m_position = 0;
     };
 
+    /// Walks the bits of `flags`, of which it keeps a copy.
     constexpr explicit flags_view(Flags flags)
         : m_bits{static_cast<Bits>(flags)}
     {
     }
 
+    /// At the lowest bit that is set.
     [[nodiscard]] constexpr iterator begin() const { return iterator{m_bits}; }
+
+    /// After the highest one.
     [[nodiscard]] constexpr std::default_sentinel_t end() const { return {}; }
 
 private:

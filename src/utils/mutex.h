@@ -12,7 +12,10 @@ namespace tarn::utils {
 /// Threads: thread-safe; `lock` blocks while another thread holds it.
 class TARN_CAPABILITY("mutex") Mutex {
 public:
+    /// As that of `std::mutex`.
     void lock() TARN_ACQUIRE() { m_mutex.lock(); }
+
+    /// As that of `std::mutex`.
     void unlock() TARN_RELEASE() { m_mutex.unlock(); }
 
 private:
@@ -24,6 +27,7 @@ private:
 /// Threads: bound to the thread that made it; making it blocks while another thread holds the mutex.
 class TARN_SCOPED_CAPABILITY MutexLock {
 public:
+    /// Locks `mutex` until the end of this object.
     explicit MutexLock(Mutex& mutex) TARN_ACQUIRE(mutex)
         : m_mutex{mutex}
     {

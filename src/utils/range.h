@@ -5,8 +5,8 @@ namespace tarn::utils {
 /// The values from `lower` to `upper`, both included.
 template <class T>
 struct Range {
-    T lower;
-    T upper;
+    T lower; ///< the lower bound
+    T upper; ///< the upper bound
 
     friend bool operator==(const Range&, const Range&) = default;
 };

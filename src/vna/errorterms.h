@@ -61,6 +61,8 @@ public:
     {
         return m_reflection[reflectionIndex(point, port)];
     }
+
+    /// The same, to be read.
     [[nodiscard]] const ReflectionTerms& reflection(std::size_t point, std::size_t port) const
     {
         return m_reflection[reflectionIndex(point, port)];
@@ -72,6 +74,8 @@ public:
     {
         return m_transmission[transmissionIndex(point, receiver, source)];
     }
+
+    /// The same, to be read.
     [[nodiscard]] const TransmissionTerms& transmission(std::size_t point, std::size_t receiver,
                                                         std::size_t source) const
     {

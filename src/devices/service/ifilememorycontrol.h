@@ -22,7 +22,7 @@ namespace tarn::devices::service {
 /// made. Exceptions of the device pass through.
 class TARN_DEVICES_SERVICE_EXPORT IFileMemoryControl {
 public:
-    static constexpr std::uint64_t registryKey = 0xe85f16739b17b339;
+    static constexpr std::uint64_t registryKey = 0xe85f16739b17b339; ///< of its entry in the host's registry
 
     /// The error of every operation when the file memory is unavailable.
     static constexpr QLatin1StringView unavailableMessage{"File memory control is unavailable"};

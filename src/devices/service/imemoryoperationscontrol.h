@@ -20,8 +20,9 @@ namespace tarn::devices::service {
 /// a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT IMemoryOperationsControl {
 public:
-    static constexpr std::uint64_t registryKey = 0x5664961726404671;
+    static constexpr std::uint64_t registryKey = 0x5664961726404671; ///< of its entry in the host's registry
 
+    /// Why an operation failed.
     enum class Error {
         Failed = 0, ///< the instrument reported an error, or does not offer the control
     };
@@ -37,9 +38,13 @@ public:
         IObserver& operator=(const IObserver&) = delete;
         virtual ~IObserver() = default;
 
+        /// A write has come this far.
         virtual void onWriteProgressChanged(const Progress& progress) = 0;
+        /// A read has come this far.
         virtual void onReadProgressChanged(const Progress& progress) = 0;
+        /// An erase has come this far.
         virtual void onEraseProgressChanged(const Progress& progress) = 0;
+        /// An integrity check has come this far.
         virtual void onIntegrityCheckProgressChanged(const Progress& progress) = 0;
     };
 

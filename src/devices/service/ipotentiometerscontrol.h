@@ -20,12 +20,14 @@ namespace tarn::devices::service {
 /// `potentiometers` from inside a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT IPotentiometersControl {
 public:
-    static constexpr std::uint64_t registryKey = 0xc51b6fb2ae2584d2;
+    static constexpr std::uint64_t registryKey = 0xc51b6fb2ae2584d2; ///< of its entry in the host's registry
 
+    /// Why an operation failed.
     enum class Error {
         Failed = 0, ///< the instrument reported an error, or does not offer the control
     };
 
+    /// One potentiometer, and the values that it takes.
     struct Potentiometer {
         std::string name; ///< UTF-8
         std::int32_t minimum; ///< lowest value that it takes, in steps

@@ -18,8 +18,9 @@ namespace tarn::devices::service {
 /// a completion or a notification of the device.
 class TARN_DEVICES_SERVICE_EXPORT ISerialNumberControl {
 public:
-    static constexpr std::uint64_t registryKey = 0x2e23977c2578988d;
+    static constexpr std::uint64_t registryKey = 0x2e23977c2578988d; ///< of its entry in the host's registry
 
+    /// Why an operation failed.
     enum class Error {
         Failed = 0, ///< the instrument reported an error, or does not offer the control
     };
@@ -35,6 +36,7 @@ public:
         IObserver& operator=(const IObserver&) = delete;
         virtual ~IObserver() = default;
 
+        /// A write has come this far; the counts are steps.
         virtual void onWriteProgressChanged(const Progress& progress) = 0;
     };
 

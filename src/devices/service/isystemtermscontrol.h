@@ -19,7 +19,7 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT ISystemTermsControl {
 public:
-    static constexpr std::uint64_t registryKey = 0x10b13a8fe293bf50;
+    static constexpr std::uint64_t registryKey = 0x10b13a8fe293bf50; ///< of its entry in the host's registry
 
     /// Why a write failed. The terms that were stored before stay.
     enum class Error {
@@ -48,10 +48,16 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent, as the instrument reports it.
         virtual void onWriteProgressChanged(std::uint32_t progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onErrorOccurred(Error error) = 0;
     };
 

@@ -17,7 +17,7 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT IUsbIdControl {
 public:
-    static constexpr std::uint64_t registryKey = 0xec20f733872b6ac0;
+    static constexpr std::uint64_t registryKey = 0xec20f733872b6ac0; ///< of its entry in the host's registry
 
     /// The numbers of a USB device descriptor that tell one model from another.
     struct UsbId {
@@ -30,7 +30,7 @@ public:
 
     /// One model and how it shows on the bus. The defaults stand for an absent instrument.
     struct DeviceProperties {
-        UsbId usbId;
+        UsbId usbId; ///< what the bus is told
         std::string modelName; ///< display name of the model, UTF-8
         std::uint32_t hardwareRevision = 1; ///< of the boards that carry this identity, from 1
         std::array<std::byte, 16> deviceInterfaceGuid{}; ///< under which the host's driver offers it

@@ -21,9 +21,10 @@ class TARN_DEVICES_SERVICE_EXPORT SdkCalibrationControlHandle final : public QOb
     Q_OBJECT
 
 public:
-    static constexpr std::uint64_t firstRegistryKey = 0x6dd4c2f3a3d1aaab;
-    static constexpr std::uint64_t secondRegistryKey = 0x0b8ee0a3ce2543ab;
+    static constexpr std::uint64_t firstRegistryKey = 0x6dd4c2f3a3d1aaab; ///< of the first controller's entry
+    static constexpr std::uint64_t secondRegistryKey = 0x0b8ee0a3ce2543ab; ///< of the second one's
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkCalibrationControlHandle(
         ReacquiringControl<sdk::service::calibrations::ICalibrationController> control);
     ~SdkCalibrationControlHandle() override;

@@ -21,7 +21,7 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkDornPowerControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0xeaf356a0b2ef79a5;
+    static constexpr std::uint64_t registryKey = 0xeaf356a0b2ef79a5; ///< of its entry in the host's registry
 
     /// Who sets the power or the DACs. Of the same numbers as the SDK's.
     enum class ControlMode : std::int32_t {
@@ -32,6 +32,7 @@ public:
     /// The SDK's list of gain codes.
     using Gains = sdk::service::IDORNPowerControl::Gains;
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkDornPowerControl(ReacquiringControl<sdk::service::IDORNPowerControl> control);
 
     /// The highest power code that the device takes; unavailable: 0.

@@ -19,11 +19,12 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkDornSynthesisControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0x374b2cb5ef097bee;
+    static constexpr std::uint64_t registryKey = 0x374b2cb5ef097bee; ///< of its entry in the host's registry
 
     /// The SDK's list of frequencies, in Hz.
     using Frequencies = sdk::service::IDORNSynthesisControl::Frequencies;
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkDornSynthesisControl(ReacquiringControl<sdk::service::IDORNSynthesisControl> control);
 
     /// The reference frequencies that can be set; unavailable: empty.

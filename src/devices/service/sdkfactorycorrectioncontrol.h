@@ -21,7 +21,7 @@ namespace tarn::devices::service {
 /// notification and the destructor may run at the same time; see `InstrumentControls::undisturbed`.
 class TARN_DEVICES_SERVICE_EXPORT SdkFactoryCorrectionControl final : public IControlLifecycleObserver {
 public:
-    static constexpr std::uint64_t registryKey = 0x1a94c41b6c234d42;
+    static constexpr std::uint64_t registryKey = 0x1a94c41b6c234d42; ///< of its entry in the host's registry
 
     /// Threads: called on a thread of the device, with no lock held; by `onControlsAvailable()`, which
     /// walks the observers, with the lifecycle mutex of `InstrumentControls` held. An observer must not
@@ -43,6 +43,7 @@ public:
         virtual void onEnabledChanged(FactoryCorrection correction, bool enabled) = 0;
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkFactoryCorrectionControl(ReacquiringControl<sdk::IFactoryCorrectionControl> control);
 
     /// Ends no registration with the instrument: remove the observers or have the device release

@@ -15,8 +15,9 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkLoLeakageControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0x39ce7f28fb8c58bd;
+    static constexpr std::uint64_t registryKey = 0x39ce7f28fb8c58bd; ///< of its entry in the host's registry
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkLoLeakageControl(ReacquiringControl<sdk::service::ILoLeakageControl> control);
 
     /// Whether the function is on, as the instrument reports it; `false` while the instrument does

@@ -26,8 +26,9 @@ class TARN_DEVICES_SERVICE_EXPORT SdkQuillPowerControl final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr std::uint64_t registryKey = 0x897c141e29e7e690;
+    static constexpr std::uint64_t registryKey = 0x897c141e29e7e690; ///< of its entry in the host's registry
 
+    /// The power of the synthesizer.
     enum class SyntPowerMode : std::int32_t {
         Normal = 0,
         High = 1,
@@ -51,6 +52,7 @@ public:
         Manual = 1, ///< the common attenuation step that is set
     };
 
+    /// The gain of a receiver amplifier.
     enum class AmpGain : std::int32_t {
         Low = 0,
         High = 1,
@@ -64,6 +66,7 @@ public:
         Both = 3,
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkQuillPowerControl(ReacquiringControl<sdk::service::IQuillPowerControl> control);
 
     /// The power code of the local oscillator (LO); unavailable: 0.
@@ -163,21 +166,21 @@ public:
     void reset();
 
 signals:
-    /// Each is emitted whenever the instrument has taken a value for what it is named after, whether
-    /// or not that differs from the one before.
-    void loPowerChanged();
-    void rfPowerChanged();
-    void syntPowerModeChanged();
-    void attenuationStepChanged();
-    void stepAttenuatorModeChanged();
-    void discreteAttenuatorEnabledChanged();
-    void discreteAttenuatorModeChanged();
-    void attenuationModeChanged();
-    void commonAttenuationModeChanged();
-    void commonAttenuationStepChanged();
-    void ampTPort1Changed();
-    void ampTPort2Changed();
-    void ampRPort1Changed();
+    // Each is emitted whenever the instrument has taken a value, whether or not that differs from the one before.
+
+    void loPowerChanged(); ///< the instrument has taken the LO power code
+    void rfPowerChanged(); ///< the instrument has taken the RF power code
+    void syntPowerModeChanged(); ///< the instrument has taken the power mode of the synthesizer
+    void attenuationStepChanged(); ///< the instrument has taken the attenuation step
+    void stepAttenuatorModeChanged(); ///< the instrument has taken the mode of the step attenuator
+    void discreteAttenuatorEnabledChanged(); ///< the instrument has taken the switch of the discrete attenuator
+    void discreteAttenuatorModeChanged(); ///< the instrument has taken the mode of the discrete attenuator
+    void attenuationModeChanged(); ///< the instrument has taken the attenuation mode
+    void commonAttenuationModeChanged(); ///< the instrument has taken the mode of the common attenuation
+    void commonAttenuationStepChanged(); ///< the instrument has taken the common attenuation step
+    void ampTPort1Changed(); ///< the instrument has taken the gain of the amplifier of transmit port 1
+    void ampTPort2Changed(); ///< the instrument has taken the gain of the amplifier of transmit port 2
+    void ampRPort1Changed(); ///< the instrument has taken the gain of the amplifier of receive port 1
 
 private:
     /// Calls `operation` with `value`, then emits `changed`, if the control is available.

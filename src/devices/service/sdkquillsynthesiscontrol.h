@@ -20,8 +20,9 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkQuillSynthesisControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0xb6c338d276ce98fb;
+    static constexpr std::uint64_t registryKey = 0xb6c338d276ce98fb; ///< of its entry in the host's registry
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkQuillSynthesisControl(ReacquiringControl<sdk::service::IQuillSynthesisControl> control);
 
     /// Whether the local oscillator (LO) reaches the test ports; unavailable: `false`.

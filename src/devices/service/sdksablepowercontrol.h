@@ -21,7 +21,7 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkSablePowerControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0xdbaebee9402174ae;
+    static constexpr std::uint64_t registryKey = 0xdbaebee9402174ae; ///< of its entry in the host's registry
 
     /// Who sets the DACs. Of the same numbers as the SDK's.
     enum class DacMode : std::int32_t {
@@ -63,6 +63,7 @@ public:
         User = 1,
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkSablePowerControl(ReacquiringControl<sdk::service::ISablePowerModuleControl> control);
 
     /// Sets the mode of the DACs.

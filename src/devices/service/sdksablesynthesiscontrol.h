@@ -22,7 +22,7 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkSableSynthesisControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0x2b979d4013cdeecd;
+    static constexpr std::uint64_t registryKey = 0x2b979d4013cdeecd; ///< of its entry in the host's registry
 
     /// The tuning capacitors. On the way to the SDK, all values but 0 become 1.
     enum class Capacitor : std::int32_t {
@@ -82,6 +82,7 @@ public:
         friend bool operator==(const RfPowerRange&, const RfPowerRange&) = default;
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkSableSynthesisControl(ReacquiringControl<sdk::service::ISableSynthesisControl> control);
 
     /// The power code of the local oscillator (LO); unavailable: 0.

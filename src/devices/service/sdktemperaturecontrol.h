@@ -28,10 +28,11 @@ class TARN_DEVICES_SERVICE_EXPORT SdkTemperatureControl final : public QObject, 
     Q_OBJECT
 
 public:
-    static constexpr std::uint64_t registryKey = 0xeba4ba7306e6b9a2;
+    static constexpr std::uint64_t registryKey = 0xeba4ba7306e6b9a2; ///< of its entry in the host's registry
 
+    /// The temperature of one module.
     struct ModuleTemperature {
-        QString name;
+        QString name; ///< of the module, unique within the instrument
         double temperature; ///< degrees Celsius
 
         friend bool operator==(const ModuleTemperature&, const ModuleTemperature&) = default;

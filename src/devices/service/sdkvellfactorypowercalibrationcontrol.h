@@ -24,7 +24,7 @@ class WriteObservers;
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellFactoryPowerCalibrationControl final : public IControlLifecycleObserver {
 public:
-    static constexpr std::uint64_t registryKey = 0xa95918a8462c534c;
+    static constexpr std::uint64_t registryKey = 0xa95918a8462c534c; ///< of its entry in the host's registry
 
     /// Why a write failed. The data that was stored before stays.
     enum class Error {
@@ -61,13 +61,20 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent, as the instrument reports it.
         virtual void onWriteProgressChanged(std::uint32_t progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onError(Error error) = 0;
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkVellFactoryPowerCalibrationControl(
         ReacquiringControl<sdk::service::IVellFactoryPowerCalibrationControl> control);
 

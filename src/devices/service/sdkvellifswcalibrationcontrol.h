@@ -23,7 +23,7 @@ class WriteObservers;
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellIfswCalibrationControl final : public IControlLifecycleObserver {
 public:
-    static constexpr std::uint64_t registryKey = 0x2ab54beb7022049e;
+    static constexpr std::uint64_t registryKey = 0x2ab54beb7022049e; ///< of its entry in the host's registry
 
     /// Why a write failed. The data that was stored before stays.
     enum class Error {
@@ -52,13 +52,15 @@ public:
         friend bool operator==(const IfswLinearity&, const IfswLinearity&) = default;
     };
 
+    /// What was measured of one receiver.
     struct ReceiverCalibration {
-        std::vector<IfswRatio> ratios;
-        std::vector<IfswLinearity> linearities;
+        std::vector<IfswRatio> ratios; ///< of the positions of its IF switch
+        std::vector<IfswLinearity> linearities; ///< at the levels that were measured
 
         friend bool operator==(const ReceiverCalibration&, const ReceiverCalibration&) = default;
     };
 
+    /// What a calibration of the IF switches consists of.
     struct IfswCalibrationData {
         std::vector<double> frequencies; ///< at which the receivers were measured, in hertz
         ReceiverCalibration reference; ///< receiver R: the outgoing wave
@@ -80,13 +82,20 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent, as the instrument reports it.
         virtual void onWriteProgressChanged(std::uint32_t progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onError(Error error) = 0;
     };
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkVellIfswCalibrationControl(ReacquiringControl<sdk::service::IVellIfswCalibrationControl> control);
 
     /// Ends no registration with the instrument: remove the observers or have the device release

@@ -20,8 +20,9 @@ namespace tarn::devices::service {
 /// Threads: thread-safe; calls through.
 class TARN_DEVICES_SERVICE_EXPORT SdkVellSynthesisControl final {
 public:
-    static constexpr std::uint64_t registryKey = 0xa045ab34ea41df44;
+    static constexpr std::uint64_t registryKey = 0xa045ab34ea41df44; ///< of its entry in the host's registry
 
+    /// Reaches its SDK control through `control`, which it takes over.
     explicit SdkVellSynthesisControl(ReacquiringControl<sdk::service::IVellSynthesisControl> control);
 
     /// Selects the IF by hand, or leaves it to the instrument.

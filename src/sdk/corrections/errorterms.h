@@ -9,6 +9,7 @@ namespace sdk::corrections {
 /// The error terms of a full n-port error model, ordered by term: each is a trace over frequency,
 /// with one linear, complex value per element of `frequencies`.
 struct ErrorTerms {
+    /// A term over frequency.
     using Trace = std::vector<std::complex<double>>;
 
     /// The systematic errors of one test port while it measures a reflection.

@@ -14,7 +14,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IDORNPowerControl {
 public:
-    static constexpr Key key{0x2f10ddd457c35149};
+    static constexpr Key key{0x2f10ddd457c35149}; ///< the device is asked for the control by it
 
     /// Who sets what is controlled.
     enum class ControlMode : std::int32_t {

@@ -12,7 +12,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IDORNSynthesisControl {
 public:
-    static constexpr Key key{0x53c0e0ba0de251e0};
+    static constexpr Key key{0x53c0e0ba0de251e0}; ///< the device is asked for the control by it
 
     /// Frequencies in Hz.
     using Frequencies = std::vector<double>;

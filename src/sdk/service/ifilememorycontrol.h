@@ -20,7 +20,7 @@ namespace sdk::service {
 /// that ends with an error has left the files as they were: whoever implements this guarantees it.
 class SDK_API IFileMemoryControl {
 public:
-    static constexpr Key key{0xf667df356df31ce4};
+    static constexpr Key key{0xf667df356df31ce4}; ///< the device is asked for the control by it
 
     /// One entry of the store.
     struct FileInfo {

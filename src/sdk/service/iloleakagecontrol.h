@@ -11,7 +11,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ILoLeakageControl {
 public:
-    static constexpr Key key{0x33f09cc532b7707a};
+    static constexpr Key key{0x33f09cc532b7707a}; ///< the device is asked for the control by it
 
     ILoLeakageControl() = default;
     ILoLeakageControl(const ILoLeakageControl&) = delete;

@@ -18,7 +18,7 @@ namespace sdk::service {
 /// code.
 class SDK_API IMemoryOperationsControl {
 public:
-    static constexpr Key key{0x5d412bfd18b02258};
+    static constexpr Key key{0x5d412bfd18b02258}; ///< the device is asked for the control by it
 
     /// Learns how far an operation has come. Each notification carries the bytes done and the
     /// bytes to do, in this order; the counts of one operation never fall.
@@ -32,9 +32,13 @@ public:
         IObserver& operator=(const IObserver&) = delete;
         virtual ~IObserver() = default;
 
+        /// A read has come this far.
         virtual void onReadProgressChanged(unsigned int done, unsigned int total) = 0;
+        /// A write has come this far.
         virtual void onWriteProgressChanged(unsigned int done, unsigned int total) = 0;
+        /// An erase has come this far.
         virtual void onEraseProgressChanged(unsigned int done, unsigned int total) = 0;
+        /// An integrity check has come this far.
         virtual void onIntegrityCheckProgressChanged(unsigned int done, unsigned int total) = 0;
     };
 

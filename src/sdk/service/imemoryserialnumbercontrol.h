@@ -13,7 +13,7 @@ namespace sdk::service {
 /// binding guarantees.
 class SDK_API IMemorySerialNumberControl {
 public:
-    static constexpr Key key{0x5c028b97cc332087};
+    static constexpr Key key{0x5c028b97cc332087}; ///< the device is asked for the control by it
 
     /// Threads: called on a thread of the device's own choosing, before the completion of the write,
     /// with no lock held.

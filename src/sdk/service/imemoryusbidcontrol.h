@@ -19,7 +19,7 @@ namespace sdk::service {
 /// guarantees.
 class SDK_API IMemoryUsbIdControl {
 public:
-    static constexpr Key key{0x8bba7f494ad7c259};
+    static constexpr Key key{0x8bba7f494ad7c259}; ///< the device is asked for the control by it
 
     /// The numbers of a USB device descriptor that tell one model from another.
     struct UsbId {
@@ -32,8 +32,8 @@ public:
 
     /// One model and how it shows on the bus.
     struct DeviceRecord {
-        UsbId usbId{};
-        Model model;
+        UsbId usbId{}; ///< what the bus is told
+        Model model; ///< the model that has this identity
         std::uint32_t hardwareRevision{}; ///< of the boards that carry this identity, from 1
         std::array<std::byte, 16> deviceInterfaceGuid{}; ///< under which the host's driver offers it
 

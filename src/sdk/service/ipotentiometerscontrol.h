@@ -19,8 +19,9 @@ namespace sdk::service {
 /// potentiometer's range, is an error code.
 class SDK_API IPotentiometersControl {
 public:
-    static constexpr Key key{0x88798a0ea0bfe22b};
+    static constexpr Key key{0x88798a0ea0bfe22b}; ///< the device is asked for the control by it
 
+    /// One potentiometer, and the values that it takes.
     struct Potentiometer {
         std::string name; ///< UTF-8
         std::int32_t minimum; ///< lowest value that it takes, in steps

@@ -14,8 +14,9 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IQuillPowerControl {
 public:
-    static constexpr Key key{0x3c96bf415fccae8a};
+    static constexpr Key key{0x3c96bf415fccae8a}; ///< the device is asked for the control by it
 
+    /// The power of the synthesizer.
     enum class SyntPowerMode : std::int32_t {
         Normal = 0,
         High = 1,
@@ -47,6 +48,7 @@ public:
         Manual = 1, ///< the common attenuation step that is set
     };
 
+    /// The gain of a receiver amplifier.
     enum class AmpGain : std::uint8_t {
         Low = 0,
         High = 1,

@@ -12,7 +12,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IQuillSynthesisControl {
 public:
-    static constexpr Key key{0x7922b1012a0983af};
+    static constexpr Key key{0x7922b1012a0983af}; ///< the device is asked for the control by it
 
     IQuillSynthesisControl() = default;
     IQuillSynthesisControl(const IQuillSynthesisControl&) = delete;

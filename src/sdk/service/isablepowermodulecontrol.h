@@ -14,7 +14,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ISablePowerModuleControl {
 public:
-    static constexpr Key key{0x2601fd095cf599f2};
+    static constexpr Key key{0x2601fd095cf599f2}; ///< the device is asked for the control by it
 
     /// Who sets the DACs.
     enum class DacMode : std::int32_t {
@@ -22,6 +22,7 @@ public:
         Manual = 1, ///< the codes that are set
     };
 
+    /// The power of the module.
     enum class PowerMode : std::int32_t {
         Normal = 0,
         High = 1,

@@ -16,7 +16,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API ISableSynthesisControl {
 public:
-    static constexpr Key key{0x71db0e7ec9bf38c7};
+    static constexpr Key key{0x71db0e7ec9bf38c7}; ///< the device is asked for the control by it
 
     /// Where the RF power code comes from.
     enum class RfPowerMode : std::int32_t {
@@ -65,6 +65,7 @@ public:
         Manual = 1, ///< the delay that is set
     };
 
+    /// Rows of the range table, in its order.
     using Rows = std::span<const sable::PowerSynt>;
 
     ISableSynthesisControl() = default;

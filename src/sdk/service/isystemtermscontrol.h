@@ -16,7 +16,7 @@ namespace sdk::service {
 /// for.
 class SDK_API ISystemTermsControl {
 public:
-    static constexpr Key key{0x1e7084d947290478};
+    static constexpr Key key{0x1e7084d947290478}; ///< the device is asked for the control by it
 
     /// Why a write failed. The terms that were stored before stay.
     enum class Error : std::uint8_t {
@@ -48,10 +48,16 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent; it never falls during a write.
         virtual void onWriteProgressChanged(unsigned int progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onErrorOccurred(Error error) = 0;
     };
 

@@ -17,7 +17,7 @@ namespace sdk::service {
 /// for.
 class SDK_API IVellFactoryPowerCalibrationControl {
 public:
-    static constexpr Key key{0x4797d9e37c985d85};
+    static constexpr Key key{0x4797d9e37c985d85}; ///< the device is asked for the control by it
 
     /// Why a write failed. The data that was stored before stays.
     enum class Error : std::uint8_t {
@@ -59,10 +59,16 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent; it never falls during a write.
         virtual void onWriteProgressChanged(unsigned int progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onError(Error error) = 0;
     };
 

@@ -17,7 +17,7 @@ namespace sdk::service {
 /// for.
 class SDK_API IVellIfswCalibrationControl {
 public:
-    static constexpr Key key{0xa8c748bb3b2c656f};
+    static constexpr Key key{0xa8c748bb3b2c656f}; ///< the device is asked for the control by it
 
     /// Why a write failed. The data that was stored before stays.
     enum class Error : std::uint8_t {
@@ -47,13 +47,15 @@ public:
         friend bool operator==(const IfswLinearity&, const IfswLinearity&) = default;
     };
 
+    /// What was measured of one receiver.
     struct ReceiverCalibration {
-        std::vector<IfswRatio> ratios;
-        std::vector<IfswLinearity> linearities;
+        std::vector<IfswRatio> ratios; ///< of the positions of its IF switch
+        std::vector<IfswLinearity> linearities; ///< at the levels that were measured
 
         friend bool operator==(const ReceiverCalibration&, const ReceiverCalibration&) = default;
     };
 
+    /// What a calibration of the IF switches consists of.
     struct IfswCalibrationData {
         std::vector<double> frequencies; ///< at which the receivers were measured, in hertz
         ReceiverCalibration reference; ///< receiver R: the outgoing wave
@@ -79,10 +81,16 @@ public:
         Observer& operator=(const Observer&) = delete;
         virtual ~Observer() = default;
 
+        /// A write has been accepted and begins.
         virtual void onWriteStarted() = 0;
+
         /// `progress` is the part that is done, in per cent; it never falls during a write.
         virtual void onWriteProgressChanged(unsigned int progress) = 0;
+
+        /// What was to be written is stored.
         virtual void onWriteFinished() = 0;
+
+        /// The write was refused or has failed.
         virtual void onError(Error error) = 0;
     };
 

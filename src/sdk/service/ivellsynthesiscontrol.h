@@ -12,7 +12,7 @@ namespace sdk::service {
 /// Threads: thread-safe; returns when the instrument has taken it.
 class SDK_API IVellSynthesisControl {
 public:
-    static constexpr Key key{0xf636764463dee854};
+    static constexpr Key key{0xf636764463dee854}; ///< the device is asked for the control by it
 
     IVellSynthesisControl() = default;
     IVellSynthesisControl(const IVellSynthesisControl&) = delete;

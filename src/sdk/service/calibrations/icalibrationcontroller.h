@@ -23,8 +23,8 @@ struct Progress {
 /// Threads: thread-safe; at once.
 class SDK_API ICalibrationController {
 public:
-    static constexpr Key firstKey{0x94a0057f903adbec};
-    static constexpr Key secondKey{0x41a4a601b7307494};
+    static constexpr Key firstKey{0x94a0057f903adbec}; ///< the device is asked for the first controller by it
+    static constexpr Key secondKey{0x41a4a601b7307494}; ///< and for the second one
 
     /// Threads: called on a thread of the device's own choosing, one notification at a time, with no
     /// lock held; an observer may call any operation of the controller and of its units.

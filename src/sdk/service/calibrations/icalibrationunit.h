@@ -11,6 +11,7 @@ namespace sdk::service::calibrations {
 /// Threads: thread-safe; at once.
 class SDK_API ICalibrationUnit {
 public:
+    /// What there is of the data.
     enum class Status {
         Empty, ///< nothing is stored
         Saving, ///< data is being stored
@@ -26,6 +27,7 @@ public:
     /// The unit's name, UTF-8, unique within its controller.
     [[nodiscard]] virtual std::string name() = 0;
 
+    /// The status at this moment.
     [[nodiscard]] virtual Status status() = 0;
 };
 
