@@ -6,8 +6,9 @@ unset CDPATH # it would lead `cd` elsewhere
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
 packages_build=(g++ cmake ninja-build qt6-base-dev libcli11-dev libfmt-dev libdeflate-dev)
-packages_test=(libgtest-dev libgmock-dev librapidcheck-dev)
+packages_test=(libgtest-dev libgmock-dev librapidcheck-dev python3 python3-jsonschema)
 packages_costs=(binutils python3 valgrind)
+packages_docs=(doxygen graphviz)
 packages_check=(git clang-19 clang-tidy-19 clang-format-19 libclang-19-dev libclang-rt-19-dev llvm-19-dev python3 python3-clang-19)
 
 say() { printf '%s\n' "$*" >&2; }
