@@ -1,5 +1,5 @@
-// Writes the memory of an instrument while the event loop goes on: a worker on a thread of its own makes the calls that
-// block, and its signals bring progress and the result to the thread of the user interface, here a program without one.
+// Writes the memory of an instrument while the event loop goes on: a thread of its own makes the call that blocks, and
+// signals bring progress and the result to the thread of the user interface, here a program without one.
 
 #include <devices/controlregistry.h>
 #include <devices/instrumentcontrols.h>
@@ -9,12 +9,13 @@
 
 #include <QCoreApplication>
 #include <QObject>
-#include <QThread>
 #include <QTimer>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,7 @@ using tarn::devices::InstrumentControls;
 using tarn::devices::service::IMemoryOperationsControl;
 using tarn::devices::service::Progress;
 
-/// Lives on the worker's thread.
+/// Emits its signals on other threads than its own. Qt passes them on to the thread of the receiver.
 class MemoryWriter final : public QObject, private IMemoryOperationsControl::IObserver {
     Q_OBJECT
 
@@ -91,9 +92,7 @@ int main(int argc, char* argv[])
         return 1;
     }
 
-    QThread thread;
     MemoryWriter writer{std::move(memory)};
-    writer.moveToThread(&thread);
 
     // The receivers live on this thread, so that all of this runs here, in the event loop.
     int ticks = 0;
@@ -109,14 +108,11 @@ int main(int argc, char* argv[])
         QCoreApplication::exit(isWritten ? 0 : 1);
     });
 
-    thread.start();
-    timer.start(std::chrono::milliseconds{10});
     const std::vector<std::byte> image(std::size_t{64} * 1024, std::byte{0x5a});
-    QMetaObject::invokeMethod(&writer, [&] { writer.write(image); }, Qt::QueuedConnection);
-
+    timer.start(std::chrono::milliseconds{10});
+    std::jthread worker{[&] { writer.write(image); }};
     const int result = QCoreApplication::exec();
-    thread.quit();
-    thread.wait();
+    worker.join();
     std::printf("the event loop %s meanwhile\n", ticks > 0 ? "went on" : "stood still");
     return result;
 }

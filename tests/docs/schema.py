@@ -10,6 +10,7 @@ damaged, and the schema must say so.
 
 import copy
 import json
+import os
 import pathlib
 import shutil
 import signal
@@ -117,12 +118,13 @@ SESSION = """
 class Console:
     def __init__(self, programs, folder):
         self.program, self.folder = f"{programs}/tarn-service", folder
+        self.environment = {"TARN_SERVICE_STATE": f"{folder}/state", "LC_ALL": "C.UTF-8", "TZ": "UTC"}
+        self.environment |= {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
 
     def start(self, command):
         """A process that prints JSON. `command` is written as for a shell."""
         return subprocess.Popen(["bash", "-c", f'exec "$0" --json {command}', self.program], cwd=self.folder, text=True,
-                                env={"TARN_SERVICE_STATE": f"{self.folder}/state", "LC_ALL": "C.UTF-8", "TZ": "UTC"},
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+                                env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
 
     def run(self, command):
         """The objects that a command prints, and its exit code."""
