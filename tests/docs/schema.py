@@ -26,7 +26,7 @@ EXIT_CODES = {"failed": 1, "usage": 2, "not-found": 3, "not-offered": 3, "busy":
               "local-file": 9, "interrupted": 130}
 
 # In this order, on one instrument. Where one needs a file of this computer, it stands before.
-SESSION = """
+COMMANDS = """
     --version
     --help
     completion bash
@@ -151,7 +151,7 @@ class Console:
 
 
 def prepare(console):
-    """The files of this computer that the session needs."""
+    """The files of this computer that the commands need."""
     shutil.copytree(ROOT / "examples", console.folder / "examples")
     for name, size in {"codes": 201, "table": 4096, "receivers": 1024}.items():
         (console.folder / name).write_bytes(bytes(32 for _ in range(size)))
@@ -195,7 +195,7 @@ def main(programs):
         console = Console(pathlib.Path(programs).resolve(), pathlib.Path(name))
         expected = set(console.commands())
         prepare(console)
-        outputs = [(command, *console.run(command)) for command in map(str.strip, SESSION.strip().splitlines())]
+        outputs = [(command, *console.run(command)) for command in map(str.strip, COMMANDS.strip().splitlines())]
         outputs += [("temperature watch", *output) for output in interrupted(console)]
     for command, lines, status in outputs:
         count += len(lines)
@@ -210,7 +210,7 @@ def main(programs):
         codes.add(code)
         if status != EXIT_CODES.get(code, 0):
             wrong.append(f"{command}: ended with {status}, and said {lines[-1:]}")
-    wrong += [f"{command}: has no result here; add it to the session" for command in sorted(expected - answered)]
+    wrong += [f"{command}: has no result here; add it to COMMANDS" for command in sorted(expected - answered)]
     known = set(schema["properties"]["error"]["properties"]["code"]["enum"])
     wrong += [f"the error '{code}' did not come" for code in sorted(known - codes)]
     print("\n".join(wrong) if wrong else f"{count} objects of {len(expected)} commands are as the schema says")
