@@ -1,0 +1,108 @@
+// The simulated instrument keeps every guarantee, whichever model it is and whatever goes wrong within the contract.
+
+#include <conformance/checked.h>
+#include <sdk/service/idornpowercontrol.h>
+#include <sdk/service/isablesynthesiscontrol.h>
+
+#include <tuple>
+
+namespace tarn::tests {
+
+using conformance::Verdict;
+
+conformance::Options unhurried(std::chrono::milliseconds patience)
+{
+    auto options = quick();
+    options.limit = std::chrono::seconds{20};
+    options.patience = patience;
+    return options;
+}
+
+class KeepingInstrument : public testing::TestWithParam<const char*> { };
+
+TEST_P(KeepingInstrument, KeepsEveryGuarantee)
+{
+    for (const auto& [name, outcome] : checkAll(simulated(GetParam()), unhurried(std::chrono::milliseconds{20}))) {
+        EXPECT_NE(outcome.verdict, Verdict::Broken) << name << ": " << textOf(outcome);
+        EXPECT_FALSE(outcome.isStuck) << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Addresses, KeepingInstrument,
+                         testing::Values("", "profile=bare", "profile=pell", "profile=zinnia", "profile=marl",
+                                         "profile=tove", "profile=wisp", "profile=glint", "profile=brae",
+                                         "profile=vell", "profile=multiport-lum", "profile=multiport-common",
+                                         "completion=inline", "drop-every=3", "fail-every=2", "throw-every=3",
+                                         "latency=2ms,drop-every=5,drop-for=3ms"));
+
+TEST(FullInstrument, LeavesNoGuaranteeUnchecked)
+{
+    for (const auto& [name, outcome] : checkAll(simulated(""), unhurried(std::chrono::milliseconds{1200}))) {
+        EXPECT_EQ(outcome.verdict, Verdict::Kept) << name << ": " << outcome.reason << textOf(outcome);
+        EXPECT_GT(outcome.seen.calls, 0U) << name;
+    }
+}
+
+TEST(FullInstrument, ShowsTimesThreadsAndCounts)
+{
+    const auto elsewhere = conformance::check(guarantee("one-completion"), simulated("latency=2ms")(), quick());
+    EXPECT_GT(elsewhere.seen.requests, 20U);
+    EXPECT_EQ(elsewhere.seen.completionsElsewhere, elsewhere.seen.requests);
+    EXPECT_EQ(elsewhere.seen.completionsInside, 0U);
+    EXPECT_GE(elsewhere.seen.longestRequest, std::chrono::milliseconds{2});
+    const auto inside = conformance::check(guarantee("one-completion"), simulated("completion=inline")(), quick());
+    EXPECT_EQ(inside.seen.completionsInside, inside.seen.requests);
+    const auto progress = conformance::check(guarantee("progress-rises"), simulated("")(), quick());
+    EXPECT_GT(progress.seen.notifications, 10U);
+    EXPECT_EQ(progress.seen.notificationThreads, 1U);
+}
+
+TEST(FullInstrument, IsAsItWasAfterTheWrites)
+{
+    const auto device = std::make_shared<simulator::SimulatedVna>();
+    const auto state = [&] {
+        using Power = sdk::service::IDORNPowerControl;
+        using Synthesis = sdk::service::ISableSynthesisControl;
+        const auto power = device->control<Power>(Power::key);
+        const auto synthesis = device->control<Synthesis>(Synthesis::key);
+        return std::tuple{power->loPower(),
+                          power->powerControlMode(),
+                          power->dacControlMode(),
+                          power->dacMode(),
+                          power->signalGain(),
+                          synthesis->rfFilterMode(),
+                          synthesis->measureDelay(),
+                          synthesis->rfPowerMode(),
+                          device->potentiometers().front().eeprom,
+                          device->potentiometers().front().ram};
+    };
+    device->control<sdk::service::IDORNPowerControl>(sdk::service::IDORNPowerControl::key)->setLoPower(17);
+    const auto before = state();
+    for (const auto& one : conformance::guarantees())
+        EXPECT_NE(conformance::check(one, device, quick()).verdict, Verdict::Broken) << one.name;
+    EXPECT_EQ(state(), before);
+}
+
+TEST(FullInstrument, IsNotChangedWithoutLeave)
+{
+    const auto device = std::make_shared<simulator::SimulatedVna>(
+        simulator::parseAddress(QStringLiteral("write-protect=on")).value().settings);
+    auto options = quick();
+    options.writes = false;
+    for (const auto& one : conformance::guarantees()) {
+        const auto outcome = conformance::check(one, device, options);
+        EXPECT_NE(outcome.verdict, Verdict::Broken) << one.name << ": " << textOf(outcome);
+        EXPECT_EQ(one.isOfWrites, outcome.reason == "it can only be checked by changing the instrument") << one.name;
+    }
+}
+
+TEST(DroppingInstrument, IsSeenToLetItsControlsGo)
+{
+    const auto outcome = conformance::check(guarantee("handles-expire"), simulated("drop-every=7")(), quick());
+    EXPECT_EQ(outcome.verdict, Verdict::Kept) << textOf(outcome);
+    EXPECT_GT(outcome.seen.drops, 3U);
+    const auto calm = conformance::check(guarantee("handles-expire"), simulated("")(), quick());
+    EXPECT_THAT(testing::PrintToString(calm.notes), testing::HasSubstr("has not dropped its controls meanwhile"));
+}
+
+} // namespace tarn::tests
