@@ -10,9 +10,10 @@ set(devices/service "devices/service;devices;utils;vna;sdk")
 set(devices "devices;utils;vna;sdk")
 set(provider "provider;sdk")
 set(guard "guard;sdk;utils")
+set(conformance "conformance;sdk;utils")
 set(simulator "simulator;provider;sdk;utils")
-set(console "console;devices/service;devices;guard;provider;utils;vna;sdk")
-set(rooms sdk utils vna devices/service devices provider guard simulator console) # the inner ones first
+set(console "console;conformance;devices/service;devices;guard;provider;utils;vna;sdk")
+set(rooms sdk utils vna devices/service devices provider guard conformance simulator console) # the inner ones first
 
 function(room_of path result)
     foreach(room IN LISTS rooms)

@@ -4,11 +4,8 @@
 #include <conformance/request.h>
 
 #include <functional>
-#include <future>
 #include <memory>
 #include <string>
-#include <thread>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -54,17 +51,6 @@ public:
 
     /// Waits for a request. Throws an `Interruption`.
     Request::State wait(const Request& request) const;
-
-    /// Runs `step` on a thread of its own, for whoever waits for the future. A call in it that does not come back is
-    /// noticed as any other.
-    template <class Step>
-    [[nodiscard]] static auto aside(Step step)
-    {
-        std::packaged_task<std::invoke_result_t<Step&>()> task{std::move(step)};
-        auto future = task.get_future();
-        std::thread{std::move(task)}.detach();
-        return future;
-    }
 
     /// Adds an observer of `where`, and removes it; false if that throws.
     bool add(const std::string& where, const Registration& registration) const;

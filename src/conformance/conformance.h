@@ -41,10 +41,10 @@ struct Figures {
 /// How a device keeps one guarantee.
 struct Outcome {
     Verdict verdict = Verdict::NotChecked;
-    std::string reason; ///< why it was not checked
-    std::vector<Finding> findings; ///< how it was broken
-    std::vector<Finding> notes; ///< what is allowed, and kept the check from seeing more
-    Figures seen;
+    std::string reason = {}; ///< why it was not checked
+    std::vector<Finding> findings = {}; ///< how it was broken
+    std::vector<Finding> notes = {}; ///< what is allowed, and kept the check from seeing more
+    Figures seen = {};
     bool isStuck = false; ///< a call has not come back: its thread and the device were given up
 };
 
@@ -53,7 +53,7 @@ struct Options {
     std::chrono::milliseconds limit = std::chrono::seconds{10}; ///< that a call or a request may take without progress
     std::chrono::milliseconds patience = std::chrono::milliseconds{1500}; ///< for notifications that come by themselves
     std::chrono::milliseconds drop{}; ///< how long to wait for somebody to make the instrument drop its controls
-    std::stop_token stop; ///< ends a check early, with the instrument as it was
+    std::stop_token stop = {}; ///< ends a check early, with the instrument as it was
 };
 
 class Bench;

@@ -23,6 +23,8 @@ using Potentiometers = sdk::service::IPotentiometersControl;
 using SerialNumber = sdk::service::IMemorySerialNumberControl;
 using UsbId = sdk::service::IMemoryUsbIdControl;
 
+const Files::FileInfo noFile{"there is no file of this name", 0};
+
 /// A completion whose result can be anything.
 auto anything(Done done)
 {
@@ -114,10 +116,8 @@ void describeFileMemory(Description& description, std::shared_ptr<void> control)
     });
     auto read = describe.asked("readFile", [files](Files& memory, Done done) {
         const auto all = files->get();
-        if (all.empty())
-            return done({}, {});
-        const auto size = all.front().size;
-        memory.readFile(all.front(), [size, done = std::move(done)](const auto& contents, std::error_code error) {
+        const auto file = all.empty() ? noFile : all.front();
+        memory.readFile(file, [size = file.size, done = std::move(done)](const auto& contents, std::error_code error) {
             done(error, wrongIf(!error && contents.size() != size, "gives another size than fileList"));
         });
     });
@@ -130,9 +130,8 @@ void describeFileMemory(Description& description, std::shared_ptr<void> control)
                           done(error, error ? std::string{} : wrongSpace(space));
                       });
                   })
-        .question("readFile of a file that is not there", [](Files& memory, Done done) {
-            memory.readFile({"there is no file of this name", 0}, anything(std::move(done)));
-        });
+        .question("readFile of a file that is not there",
+                  [](Files& memory, Done done) { memory.readFile(noFile, anything(std::move(done))); });
 }
 
 void describePotentiometers(Description& description, std::shared_ptr<void> control)

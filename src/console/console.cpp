@@ -1,5 +1,6 @@
 #include <console/console.h>
 
+#include <console/checkprovidercommand.h>
 #include <console/commandline.h>
 #include <console/completioncommand.h>
 #include <console/controlscommand.h>
@@ -16,6 +17,7 @@ namespace tarn::console {
 void addCommands(CommandLine& line)
 {
     ProvidersCommand::addTo(line);
+    CheckProviderCommand::addTo(line);
     ControlsCommand::addTo(line);
     for (const auto& row : controlRows())
         row.addTo(line);

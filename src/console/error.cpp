@@ -18,6 +18,8 @@ constexpr Row row(ErrorCode code)
     switch (code) {
     case ErrorCode::Failed:
         return {"failed", 1};
+    case ErrorCode::NotConforming:
+        return {"not-conforming", 1};
     case ErrorCode::Usage:
         return {"usage", 2};
     case ErrorCode::NotFound:

@@ -10,6 +10,7 @@ namespace tarn::console {
 /// code; `docs/exit-codes.md` explains them.
 enum class ErrorCode {
     Failed, ///< the operation failed; unless the message says otherwise, the instrument is unchanged
+    NotConforming, ///< the provider does not keep the contract
     Usage, ///< the command line cannot be understood
     NotFound, ///< no such provider, instrument or file
     NotOffered, ///< the instrument does not have the control

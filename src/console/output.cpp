@@ -174,6 +174,12 @@ void Output::setLastWords(platform::InterruptGuard& guard, std::string_view abou
     guard.setLastWords(lastWords(about, hint));
 }
 
+void Output::end(const Error& error) const
+{
+    platform::endProgram(lastWordsStream(), m_options.json ? jsonError(error) : textError(error),
+                         exitCode(error.code()));
+}
+
 void Output::endUnanswered() const
 {
     platform::endProgram(lastWordsStream(), platform::lastWords().unanswered, exitCode(ErrorCode::InstrumentLost));

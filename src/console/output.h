@@ -97,6 +97,9 @@ public:
     /// answer with `unanswered`, followed by `about` (": ...") and the hint.
     void setLastWords(platform::InterruptGuard& guard, std::string_view about, const std::string& hint) const;
 
+    /// Ends the program at once with `error`, whatever its threads are doing. After parts, but no result.
+    [[noreturn]] void end(const Error& error) const;
+
     /// Ends the program at once as the instrument does not answer, with the last words.
     [[noreturn]] void endUnanswered() const;
 

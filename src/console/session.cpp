@@ -95,8 +95,10 @@ const ProviderCatalogue::Loaded& Session::provider()
 
 Instrument& Session::instrument()
 {
-    if (!m_instrument)
-        m_instrument = open();
+    if (!m_instrument) {
+        const DeviceCall call;
+        m_instrument = std::make_unique<Instrument>(openDevice(), m_output, m_options.timeout);
+    }
     return *m_instrument;
 }
 
@@ -105,7 +107,7 @@ QString Session::address() const
     return textOf("address", m_options.address.value_or(std::string{}));
 }
 
-std::unique_ptr<Instrument> Session::open()
+std::shared_ptr<sdk::IVna> Session::openDevice()
 {
     const provider::OpenRequest request{address(), stateFolder(m_options.state)};
     const auto& source = provider();
@@ -121,7 +123,7 @@ std::unique_ptr<Instrument> Session::open()
                                                  : fmt::format("'{}'", request.address);
     m_output.detail(
         fmt::format("opened {} (model {}), state in {}", which, (*device)->model().name(), request.stateFolder));
-    return std::make_unique<Instrument>(*std::move(device), m_output, m_options.timeout);
+    return *std::move(device);
 }
 
 void Session::close(int code)

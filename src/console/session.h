@@ -40,6 +40,13 @@ public:
     /// The selected instrument; throws `Error` when it cannot be opened.
     [[nodiscard]] Instrument& instrument();
 
+    /// Opens the device of the selected instrument, for a command that does without the guard and the controls; throws
+    /// `Error` when it cannot be opened.
+    [[nodiscard]] std::shared_ptr<sdk::IVna> openDevice();
+
+    /// How long the instrument may take without progress.
+    [[nodiscard]] std::chrono::milliseconds timeout() const { return m_options.timeout; }
+
     /// Closes the instrument, once the command has ended with the exit code `code`.
     void close(int code);
 
@@ -51,8 +58,6 @@ public:
     void setAddress(const QString& address) { m_options.address = address.toStdString(); }
 
 private:
-    [[nodiscard]] std::unique_ptr<Instrument> open();
-
     GlobalOptions m_options;
     const Output& m_output;
     std::optional<ProviderCatalogue> m_providers;

@@ -267,8 +267,8 @@ TEST_P(LateCompletion, IsWaitedForNoLongerThanTheLimit)
     const auto outcome = conformance::check(guarantee("one-completion"), make(), options);
     EXPECT_EQ(outcome.verdict, Verdict::Broken);
     EXPECT_THAT(textOf(outcome), HasSubstr(GetParam().finding));
-    const auto slots = conformance::check(guarantee("slots"), make(), options);
-    EXPECT_EQ(slots.verdict, Verdict::Kept) << textOf(slots);
+    const auto answers = conformance::check(guarantee("slots"), make(), options);
+    EXPECT_EQ(answers.verdict, Verdict::Kept) << textOf(answers);
 }
 
 INSTANTIATE_TEST_SUITE_P(

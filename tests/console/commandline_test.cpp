@@ -15,9 +15,9 @@ TEST_F(CommandLineTest, HelpNamesEveryCommandAndGivesExamplesAndExitCodes)
     const auto outcome = run({QStringLiteral("--help")});
     EXPECT_EQ(outcome.exitCode, 0);
     const auto help = outcome.out.toStdString();
-    for (const auto* const word :
-         {"providers", "controls", "files", "lo-leakage", "temperature", "tour", "--provider", "--address", "--state",
-          "--json", "--color", "--quiet", "--verbose", "--version", "Examples:", "Exit codes:", "NO_COLOR"})
+    for (const auto* const word : {"providers", "check-provider", "controls", "files", "lo-leakage", "temperature",
+                                   "tour", "--provider", "--address", "--state", "--json", "--color", "--quiet",
+                                   "--verbose", "--version", "Examples:", "Exit codes:", "NO_COLOR"})
         EXPECT_THAT(help, HasSubstr(word));
     EXPECT_TRUE(outcome.err.isEmpty());
 }
@@ -26,6 +26,7 @@ TEST_F(CommandLineTest, EveryCommandHasHelpOfItsOwn)
 {
     const QList<QStringList> commands{
         {QStringLiteral("providers")},
+        {QStringLiteral("check-provider")},
         {QStringLiteral("controls")},
         {QStringLiteral("files")},
         {QStringLiteral("files"), QStringLiteral("list")},
