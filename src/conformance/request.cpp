@@ -86,7 +86,8 @@ void Request::onCompleted(std::error_code error, const std::string& wrong)
     const auto now = Clock::now();
     const utils::MutexLock lock{m_mutex};
     const bool isInside = !m_state.hasReturned && m_callersThread == std::this_thread::get_id();
-    m_record->onCompletion(isInside, m_state.completions == 0 ? now - m_since : Clock::duration{});
+    if (m_hasCompletion)
+        m_record->onCompletion(isInside, m_state.completions == 0 ? now - m_since : Clock::duration{});
     if (m_state.completions++ == 0) {
         m_state.error = error;
         m_state.wrong = wrong;

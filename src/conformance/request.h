@@ -73,6 +73,7 @@ public:
         : m_record{std::move(record)}
         , m_where{question.where}
         , m_isPuttingBack{question.isPuttingBack}
+        , m_hasCompletion{question.hasCompletion}
     {
     }
 
@@ -92,6 +93,7 @@ private:
     const std::shared_ptr<Record> m_record;
     const std::string m_where;
     const bool m_isPuttingBack;
+    const bool m_hasCompletion;
     const Clock::time_point m_since = Clock::now();
     const std::thread::id m_callersThread = std::this_thread::get_id();
     mutable utils::Mutex m_mutex;

@@ -143,13 +143,10 @@ public:
         for (const auto& guarantee : conformance::guarantees()) {
             m_rows.push_back({&guarantee, outcomeOf(guarantee)});
             show(m_rows.back());
-            if (!m_interrupt.isRequested())
-                continue;
-            explain(m_rows.back());
-            throw Error{ErrorCode::Interrupted, "interrupted", "what could not be put back was said before"};
+            explain(m_rows.back()); // at once: the next check may end the program
+            if (m_interrupt.isRequested())
+                throw Error{ErrorCode::Interrupted, "interrupted", "what could not be put back was said before"};
         }
-        for (const auto& row : m_rows)
-            explain(row);
         report();
     }
 
@@ -203,10 +200,10 @@ private:
         const auto& [guarantee, outcome] = row;
         if (outcome.findings.empty())
             return;
-        line(fmt::format("\n{}: {}", m_output.paint(Output::Style::Heading, guarantee->name), guarantee->sentence));
+        line(fmt::format("    {}", guarantee->sentence));
         for (const auto& [where, what] : outcome.findings)
-            line(fmt::format("  {} {}", escaped(where), escaped(what)));
-        line(fmt::format("  What to do: {}", guarantee->remedy));
+            line(fmt::format("    - {} {}", escaped(where), escaped(what)));
+        line(fmt::format("    What to do: {}", guarantee->remedy));
     }
 
     [[nodiscard]] auto count(Verdict verdict) const

@@ -52,6 +52,8 @@ TEST(FullInstrument, ShowsTimesThreadsAndCounts)
     EXPECT_GE(elsewhere.seen.longestRequest, std::chrono::milliseconds{2});
     const auto inside = conformance::check(guarantee("one-completion"), simulated("completion=inline")(), quick());
     EXPECT_EQ(inside.seen.completionsInside, inside.seen.requests);
+    const auto refused = conformance::check(guarantee("refused-alone"), simulated("")(), quick());
+    EXPECT_EQ(refused.seen.completionsInside, 0U); // a write of calibration data has none
     const auto progress = conformance::check(guarantee("progress-rises"), simulated("")(), quick());
     EXPECT_GT(progress.seen.notifications, 10U);
     EXPECT_EQ(progress.seen.notificationThreads, 1U);

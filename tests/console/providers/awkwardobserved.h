@@ -28,8 +28,10 @@ protected:
     void notify(void (Observer::*notification)(Arguments...), Arguments... arguments)
     {
         const std::scoped_lock lock{m_mutex};
-        for (auto* const observer : m_observers)
-            (observer->*notification)(arguments...);
+        for (auto* const observer : std::set{m_observers}) { // one may remove itself
+            if (m_observers.contains(observer))
+                (observer->*notification)(arguments...);
+        }
     }
 
 private:
