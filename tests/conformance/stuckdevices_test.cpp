@@ -30,7 +30,7 @@ protected:
         bool isEnabled() override
         {
             ++m_test.asked;
-            if (m_test.hangs && m_test.asked == m_test.hangsAt)
+            if (m_test.asked == m_test.hangsAt)
                 m_test.letGo.wait();
             return m_test.enabled;
         }
@@ -50,7 +50,6 @@ protected:
 
     std::latch letGo{1};
     std::weak_ptr<sdk::IVna> device;
-    std::atomic<bool> hangs{true};
     std::atomic<bool> enabled{false};
     std::atomic<int> asked{0};
     int hangsAt = 1;
@@ -75,20 +74,31 @@ TEST_F(StuckDevice, IsPutBackByAnotherThread)
     EXPECT_GT(asked, 2); // by the other thread
 }
 
-TEST_F(StuckDevice, IsPutBackWhenTheCheckIsEndedEarly)
+/// Has its check ended while it has another value.
+class Interrupting final : public FakeVellSynthesis {
+public:
+    void setSelectedIf(int index) override
+    {
+        ++changes;
+        FakeVellSynthesis::setSelectedIf(index);
+        stop.request_stop();
+    }
+
+    std::stop_source stop;
+    int changes = 0;
+};
+
+TEST(InterruptedCheck, PutsBackWhatItHasChanged)
 {
-    hangs = false;
-    std::stop_source source;
+    const auto control = std::make_shared<Interrupting>();
+    auto device = std::make_shared<FakeVna>();
+    device->offer<sdk::service::IVellSynthesisControl>(Interrupting::key, control);
     auto options = quick();
-    options.stop = source.get_token();
-    // Ends it as soon as it is switched on.
-    const std::jthread impatient{[&](const std::stop_token& stop) {
-        while (!enabled && !stop.stop_requested())
-            std::this_thread::yield();
-        source.request_stop();
-    }};
-    const auto outcome = check("values-survive", options);
-    EXPECT_FALSE(enabled);
+    options.stop = control->stop.get_token();
+    const auto outcome = conformance::check(guarantee("values-survive"), std::move(device), options);
+    EXPECT_EQ(control->selected, 0);
+    EXPECT_EQ(control->changes, 2); // there and back
+    EXPECT_EQ(outcome.reason, "it was interrupted");
     EXPECT_THAT(outcome.findings, testing::IsEmpty());
 }
 
