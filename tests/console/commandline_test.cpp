@@ -137,8 +137,9 @@ TEST_P(Misused, SaysTheSameInJson)
 INSTANTIATE_TEST_SUITE_P(
     CommandLines, Misused,
     testing::Values(
-        Misuse{"", "'tarn-service' needs a command", "one of: providers, controls, files", ""},
-        Misuse{"bogus", "'bogus' is not a command of 'tarn-service'", "one of: providers, controls, files", ""},
+        Misuse{"", "'tarn-service' needs a command", "one of: providers, check-provider, controls, files", ""},
+        Misuse{"bogus", "'bogus' is not a command of 'tarn-service'",
+               "one of: providers, check-provider, controls, files", ""},
         Misuse{"files", "'tarn-service files' needs a command", "one of: list, space, read, write, delete", "files"},
         Misuse{"files bogus", "'bogus' is not a command of 'tarn-service files'", "one of: list, space", "files"},
         Misuse{"files list extra", "extra", "'tarn-service files list --help'", "files list"},
