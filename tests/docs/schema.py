@@ -22,8 +22,8 @@ from jsonschema import Draft202012Validator
 from jsonschema.exceptions import best_match
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-EXIT_CODES = {"failed": 1, "usage": 2, "not-found": 3, "not-offered": 3, "busy": 3, "refused": 4, "instrument-lost": 5,
-              "local-file": 9, "interrupted": 130}
+EXIT_CODES = {"failed": 1, "not-conforming": 1, "usage": 2, "not-found": 3, "not-offered": 3, "busy": 3, "refused": 4,
+              "instrument-lost": 5, "local-file": 9, "interrupted": 130}
 
 # In this order, on one instrument. Where one needs a file of this computer, it stands before.
 COMMANDS = """
@@ -33,6 +33,8 @@ COMMANDS = """
     completion words -- files ''
     providers
     controls
+    check-provider
+    --address misbehave=twice check-provider
     files write examples/plan.json
     files list
     files space
