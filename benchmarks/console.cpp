@@ -51,8 +51,9 @@ std::vector<Way> allWays()
     qunsetenv("TARN_SERVICE_PROVIDERS");
     return {
         repeated("tarn-service controls", "library", [] { run(consoleArguments); }),
-        repeated("tarn-service controls", "tarn-service --version", [] { run(versionArguments); }),
         repeated("tarn-service controls", "empty program", [] { run(emptyArguments); }),
+        repeated("tarn-service --version", "library", [] { run(versionArguments); }),
+        repeated("tarn-service --version", "empty program", [] { run(emptyArguments); }),
     };
 }
 

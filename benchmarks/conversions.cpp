@@ -99,7 +99,7 @@ std::vector<vna::FrequencySegment> plainFromSdk(const sdk::FrequencyPlan& plan)
     return result;
 }
 
-/// A conversion of a plan, together with the end of its result.
+/// A conversion of a plan; that its result goes again counts, too.
 template <class Plan>
 Way conversion(const std::string& row, const char* name, const Plan& plan, auto (*convert)(const Plan&))
 {
@@ -116,7 +116,8 @@ std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points(std::si
     return result;
 }
 
-void plainPoints(SdkPower& sink, std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> from)
+[[gnu::noinline]] void plainPoints(SdkPower& sink,
+                                   std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> from)
 {
     std::vector<SdkPower::PowerCalPoint> to;
     to.reserve(from.size());
@@ -138,7 +139,7 @@ SdkVellIfswCalibrationControl::IfswCalibrationData records(std::size_t count)
     return data;
 }
 
-void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationData from)
+[[gnu::noinline]] void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationData from)
 {
     SdkIfsw::IfswCalibrationData to;
     to.frequencies = std::move(from.frequencies);

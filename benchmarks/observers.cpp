@@ -39,7 +39,10 @@ class Receiver final : public QObject {
     Q_OBJECT
 
 public Q_SLOTS:
-    void onProgressChanged(const tarn::devices::service::Progress& progress) { m_heard += progress.done; }
+    [[gnu::noinline]] void onProgressChanged(const tarn::devices::service::Progress& progress)
+    {
+        m_heard += progress.done;
+    }
 
 private:
     unsigned int m_heard = 0;
@@ -49,17 +52,20 @@ private:
 struct Audience {
     explicit Audience(std::size_t size)
     {
-        for (std::size_t i = 0; i != size; ++i) {
-            auto& ear = *ears.emplace_back(makeEars());
-            adapter->addObserver(ear);
-            pointers.push_back(&ear);
-#ifdef TARN_WITH_BOOST
-            boostSignal.connect([&ear](const Progress& progress) { ear.onWriteProgressChanged(progress); });
-#endif
+        // One kind after the other: what is told together lies together.
+        for (std::size_t i = 0; i != size; ++i)
+            pointers.push_back(ears.emplace_back(makeEars()).get());
+        for (std::size_t i = 0; i != size; ++i)
             receivers.push_back(std::make_unique<Receiver>());
-            QObject::connect(&sender, &Sender::progressChanged, receivers.back().get(), &Receiver::onProgressChanged,
+        for (auto* const ear : pointers)
+            adapter->addObserver(*ear);
+        for (const auto& receiver : receivers)
+            QObject::connect(&sender, &Sender::progressChanged, receiver.get(), &Receiver::onProgressChanged,
                              Qt::DirectConnection);
-        }
+#ifdef TARN_WITH_BOOST
+        for (auto* const ear : pointers)
+            boostSignal.connect([ear](const Progress& progress) { ear->onWriteProgressChanged(progress); });
+#endif
     }
 
     std::vector<std::unique_ptr<Adapter::IObserver>> ears;

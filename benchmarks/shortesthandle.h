@@ -24,12 +24,7 @@ public:
 
     [[nodiscard]] std::shared_ptr<Sdk> lock()
     {
-        Handle cached;
-        {
-            const std::scoped_lock lock{m_mutex};
-            cached = m_cached;
-        }
-        if (auto control = cached.lock())
+        if (auto control = cached().lock())
             return control;
         auto fresh = m_reacquire();
         auto control = fresh.lock();
@@ -39,6 +34,12 @@ public:
     }
 
 private:
+    [[nodiscard]] Handle cached()
+    {
+        const std::scoped_lock lock{m_mutex};
+        return m_cached;
+    }
+
     std::function<Handle()> m_reacquire;
     std::mutex m_mutex;
     Handle m_cached;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -32,27 +33,28 @@ public:
             m_temperatures.emplace("module " + std::to_string(i * 7919 % modules), 20.0F + static_cast<float>(i));
     }
 
-    [[nodiscard]] float temperature() override { return 23.5F; }
-    [[nodiscard]] const ModuleTemperatures& moduleTemperatures() override
+    [[nodiscard]] const ModuleTemperatures& moduleTemperatures() override { return m_temperatures; }
+
+    /// What a refresh asks last. A reader that waits for it waits for ten seconds.
+    [[nodiscard]] float temperature() override
     {
-        if (m_isHeld) {
-            m_isAsked = true;
-            m_isAsked.notify_one();
-            m_isHeld.wait(true);
-        }
-        return m_temperatures;
+        m_isAsked = true;
+        m_isAsked.notify_one();
+        for (int i = 0; m_isHeld && i != 10'000; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds{1});
+        return 23.5F;
     }
     void addObserver(Observer* observer) override { attached = observer; }
     void removeObserver(Observer* /*observer*/) override { attached = nullptr; }
 
-    /// The next question for the modules is not answered before `release`.
-    void hold() { m_isHeld = true; }
-    void awaitQuestion() const { m_isAsked.wait(false); }
-    void release()
+    /// The next question is not answered before `release`.
+    void hold()
     {
-        m_isHeld = m_isAsked = false;
-        m_isHeld.notify_one();
+        m_isAsked = false;
+        m_isHeld = true;
     }
+    void awaitQuestion() const { m_isAsked.wait(false); }
+    void release() { m_isHeld = false; }
 
     Observer* attached = nullptr;
 

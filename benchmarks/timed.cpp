@@ -1,5 +1,5 @@
-// Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, run interleaved with the others;
-// medians.
+// Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, run interleaved with the others,
+// three times. scripts/bench runs the program five times and takes the medians of all.
 
 #include "ways.h"
 
@@ -75,6 +75,8 @@ int main(int argc, char** argv)
     benchmark::Initialize(&argumentCount, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
         return EXIT_FAILURE;
+    const std::vector<char> shift(std::random_device{}() % 4096);
+    consume(shift);
     const auto ways = allWays();
     for (const auto& way : ways) {
         auto* const timed = benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way);

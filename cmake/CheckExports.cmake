@@ -1,13 +1,11 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Run with `cmake -DNM=... -DLIBRARY=... -DMACRO=... -P`: holds what LIBRARY exports against the classes
-# and functions that the headers below src/ mark with MACRO. Weak symbols of what others own, such
-# as instances of standard templates or inline parts of the library below, may stand there as well.
+# and functions that the headers below src/ mark with MACRO.
 
 cmake_path(GET CMAKE_CURRENT_LIST_DIR PARENT_PATH source_dir)
 file(GLOB_RECURSE headers "${source_dir}/src/*.h")
 set(marked "")
-set(elsewhere "") # marked with another library's macro
 foreach(header IN LISTS headers)
     file(READ "${header}" text)
     string(REGEX REPLACE "//[^\n]*" "" text "${text}")
@@ -27,13 +25,10 @@ foreach(header IN LISTS headers)
         set(name "${length}${CMAKE_MATCH_2}") # as it stands in mangled names
         if(macro STREQUAL MACRO)
             list(APPEND marked "${name}")
-        else()
-            list(APPEND elsewhere "${name}")
         endif()
     endforeach()
 endforeach()
 list(JOIN marked "|" anyMarked)
-list(JOIN elsewhere "|" anyElsewhere)
 # Before a name stand what it is of it, a table or a thunk say, qualifiers and namespaces.
 set(own "^_Z(GV|T[VTIS]|T[hvcn0-9_]+|Z)?N[KO]*4tarn([0-9]+[a-z]+)*")
 
@@ -42,16 +37,13 @@ execute_process(COMMAND "${NM}" --dynamic --defined-only "${LIBRARY}"
 string(REGEX MATCHALL "[^\n]+" symbols "${symbols}")
 set(seen "")
 foreach(symbol IN LISTS symbols)
-    if(NOT symbol MATCHES "^[0-9a-f]* *([A-Za-z]) ([A-Za-z0-9_.$]+)$")
+    if(NOT symbol MATCHES "^[0-9a-f]* *[A-Za-z] ([A-Za-z0-9_.$]+)$")
         message(SEND_ERROR "cannot be understood: ${symbol}")
         continue()
     endif()
-    set(kind "${CMAKE_MATCH_1}")
-    set(name "${CMAKE_MATCH_2}")
+    set(name "${CMAKE_MATCH_1}")
     if(name MATCHES "${own}(${anyMarked})")
         list(APPEND seen "${CMAKE_MATCH_3}")
-    elseif(kind MATCHES "[WVu]" AND (name MATCHES "${own}(${anyElsewhere})" OR NOT name MATCHES "${own}"))
-        continue()
     elseif(NOT name MATCHES "^_(_|init$|fini$|end$|edata$)") # of the tools
         message(SEND_ERROR "exported, and not marked with ${MACRO}: ${name}")
     endif()

@@ -16,8 +16,8 @@ function(tarn_add_interface name export_name)
     tarn_install_library(${name} ${export_name})
 endfunction()
 
-# tarn_limit_exports(NAME FOLDER): has the library export only what is marked in the namespace of its folder below src/,
-# and call that itself without looking it up.
+# tarn_limit_exports(NAME FOLDER): has the library export only what is marked in the namespace of the same name as its folder
+# below src/, and call its own functions without looking them up: whoever uses it is compiled with -fPIC, as for Qt.
 function(tarn_limit_exports name folder)
     string(REGEX MATCHALL "[^/]+" parts "tarn/${folder}")
     set(namespace "") # as it stands in mangled names

@@ -21,6 +21,13 @@ TIMED = {"time", "nanoseconds"}
 MORE = {"as many": 0, "one more": 1} # than the peer
 
 
+def read_goals(name):
+    """The goals, and the reasons to which some of them refer."""
+    with open(name, encoding="utf-8") as file:
+        contents = json.load(file)
+    return contents["goals"], contents["reasons"]
+
+
 def medians(files):
     """By row and way, the nanoseconds of one call: the median of all repetitions."""
     times = {}
@@ -65,10 +72,10 @@ def line(goal, measure, ways):
     measured = library / peer if is_ratio else library
     most = peer + MORE[bound] if bound in MORE else bound
     met = measured <= most
-    is_excused = not met and measured <= goal.get("kept", measured)
+    is_excused = "reason" in goal and not met and measured <= goal["kept"]
     return {"what": goal["row"], "unit": unit, "library": library, "against": weighted(goal) if is_compared else None,
             "peer": peer, "ratio": library / peer if peer else None, "goal": most, "met": met,
-            "reason": goal.get("reason") if is_excused else None, "is_ratio": is_ratio}
+            "reason": goal["reason"] if is_excused else None, "is_ratio": is_ratio}
 
 
 def others(times, goals):
@@ -92,19 +99,18 @@ def show(entry, what, verdict):
           f"{number(entry['peer']):>15} {ratio:>8} {goal:>9}  {verdict}".rstrip())
 
 
-def show_all(table):
+def show_all(table, reasons):
     """The table, and below it the reasons to which its verdicts refer."""
-    reasons = list(dict.fromkeys(entry["reason"] for entry in table if entry["reason"]))
     print(f"{'what':<48} {'library':>15} {'':<17} {'against':<44} {'peer':>15} {'ratio':>8} {'goal':>9}")
     last = None
     for entry in table:
         verdict = {True: "met", False: "MISSED", None: ""}[entry["met"]]
         if entry["reason"]:
-            verdict = f"missed [{reasons.index(entry['reason']) + 1}]"
+            verdict = f"missed: {entry['reason']}"
         show(entry, "" if entry["what"] == last else entry["what"], verdict)
         last = entry["what"]
-    for index, reason in enumerate(reasons, 1):
-        print(f"[{index}] {reason}")
+    for name in dict.fromkeys(entry["reason"] for entry in table if entry["reason"]):
+        print(f"{name}: {reasons[name]}")
 
 
 def main():
@@ -118,8 +124,7 @@ def main():
     parser.add_argument("results", nargs="*")
     arguments = parser.parse_intermixed_args()
 
-    with open(arguments.goals, encoding="utf-8") as file:
-        goals = json.load(file)
+    goals, reasons = read_goals(arguments.goals)
     with open(arguments.costs, encoding="utf-8") as file:
         costs = json.load(file)
     times = {} if arguments.counted else medians(arguments.results)
@@ -133,12 +138,12 @@ def main():
     table += others(times, goals)
     rows = [entry["what"] for entry in table]
     table.sort(key=lambda entry: rows.index(entry["what"]))
-    show_all(table)
-    if arguments.json:
-        with open(arguments.json, "w", encoding="utf-8") as file:
-            json.dump(table, file, indent=1)
+    show_all(table, reasons)
     met = sum(entry["met"] is True for entry in table)
     missed = sum(entry["met"] is False for entry in table)
+    if arguments.json:
+        with open(arguments.json, "w", encoding="utf-8") as file:
+            json.dump({"met": met, "missed": missed, "reasons": reasons, "table": table}, file, indent=1)
     print(f"{met} goals met, {missed} missed")
     unexcused = sum(entry["met"] is False and not entry["reason"] for entry in table)
     return 0 if met > 0 and unexcused == 0 else 1

@@ -8,7 +8,7 @@ import re
 import subprocess
 import sys
 
-from benchtable import weights
+from benchtable import read_goals, weights
 
 TIMES = 100
 COUNTED = {"instructions", "atomics", "allocations"}
@@ -66,8 +66,7 @@ def run(program, ways, folder):
 
 def main():
     goals, folder, *programs = sys.argv[1:]
-    with open(goals, encoding="utf-8") as file:
-        ways = wanted(json.load(file))
+    ways = wanted(read_goals(goals)[0])
     costs = {}
     for program in programs:
         costs.update(run(program, ways, pathlib.Path(folder)))

@@ -141,19 +141,19 @@ void CommandLine::addNoun(const std::string& name, const std::string& descriptio
     noun.group("Nouns");
     noun.formatter(std::make_shared<Formatter>("VERB"));
     noun.preparse_callback([this, &noun](std::size_t /*wordCount*/) { addVerbsOf(noun); });
-    m_withoutVerbs.emplace(&noun, std::move(addVerbs));
+    m_addVerbsOf.emplace(&noun, std::move(addVerbs));
 }
 
 void CommandLine::addVerbsOf(CLI::App& noun)
 {
-    if (const auto entry = m_withoutVerbs.extract(&noun))
+    if (const auto entry = m_addVerbsOf.extract(&noun))
         entry.mapped()(*this, Command{noun});
 }
 
 std::vector<std::string> CommandLine::propose(std::span<const std::string> words)
 {
-    while (!m_withoutVerbs.empty())
-        addVerbsOf(*m_withoutVerbs.begin()->first);
+    while (!m_addVerbsOf.empty())
+        addVerbsOf(*m_addVerbsOf.begin()->first);
     return m_completion.propose(*m_app, words);
 }
 

@@ -28,8 +28,8 @@ public:
     CommandLine();
     ~CommandLine();
 
-    /// Adds a noun that has verbs. Those of all nouns would be most of what a short command takes: `addVerbs` adds
-    /// them, and whatever else the noun has, once they are asked for.
+    /// Adds a noun that has verbs. `addVerbs` adds them, and whatever else the noun has, once they are asked for: those
+    /// of all nouns are a third of what a short command computes.
     void addNoun(const std::string& name, const std::string& description, AddVerbs addVerbs);
 
     /// Adds a verb to `noun`, or a noun of its own without one. `run` does it; what it throws ends
@@ -66,7 +66,7 @@ private:
     [[nodiscard]] bool isOfGlobalOption(const CLI::ParseError& error) const;
 
     std::unique_ptr<CLI::App> m_app;
-    std::map<CLI::App*, AddVerbs> m_withoutVerbs; ///< nouns
+    std::map<CLI::App*, AddVerbs> m_addVerbsOf; ///< those nouns that were not asked for yet
     Completion m_completion;
     GlobalOptions m_options;
     Run m_run;

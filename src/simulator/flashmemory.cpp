@@ -22,7 +22,7 @@ std::uint32_t checksumOf(std::span<const char> bytes, std::uint32_t erasedCount)
 {
     static const std::vector<char> erasedBlock(FlashMemory::blockSize, erased);
     static const auto ofErasedBlock = ::libdeflate_crc32(0, erasedBlock.data(), erasedBlock.size());
-    if (erasedCount == erasedBlock.size())
+    if (bytes.empty() && erasedCount == erasedBlock.size())
         return ofErasedBlock;
     const auto checksum = ::libdeflate_crc32(0, bytes.data(), bytes.size());
     return ::libdeflate_crc32(checksum, erasedBlock.data(), erasedCount);

@@ -35,6 +35,7 @@ public:
     /// Blocks by their digests.
     using Blocks = QHash<QString, QByteArray>;
 
+    /// The digest of `bytes`, in lower-case hexadecimal.
     [[nodiscard]] static QString digestOf(const QByteArray& bytes)
     {
         return QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
@@ -45,7 +46,7 @@ public:
     Storage& operator=(const Storage&) = delete;
     virtual ~Storage() = default;
 
-    /// What a block of these bytes is called in a section.
+    /// What a block of these bytes is called in a section: its digest, or nothing where nothing is kept.
     [[nodiscard]] virtual QString nameOf(const QByteArray& bytes) const { return digestOf(bytes); }
 
     /// A section as it was kept last; undefined if it never was.
@@ -71,10 +72,7 @@ public:
 /// Keeps nothing, and spares the digests: that of 256 MiB takes a second.
 class NoStorage : public Storage {
 public:
-    [[nodiscard]] QString nameOf(const QByteArray& /*bytes*/) const final
-    {
-        return {};
-    }
+    [[nodiscard]] QString nameOf(const QByteArray& /*bytes*/) const override { return {}; }
     [[nodiscard]] QJsonValue section(const QString& /*name*/) const override { return QJsonValue::Undefined; }
     [[nodiscard]] QByteArray block(const QString& digest) const override { refuse(digest); }
     [[noreturn]] void refuse(const QString& reason) const final { throw StateError{{}, reason}; }

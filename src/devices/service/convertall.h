@@ -7,7 +7,7 @@
 namespace tarn::devices::service {
 
 /// What `convert` makes of each element of `from`, a vector or a span, in order. A lambda becomes part of the loop; a
-/// function would be called for each element, which takes more than twice the time.
+/// function may be called for each element, which for records took more than twice the time.
 template <class To, class Elements, class Convert>
 [[nodiscard]] std::vector<To> convertAll(const Elements& from, Convert convert)
 {
