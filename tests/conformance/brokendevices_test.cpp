@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <mutex>
 #include <stdexcept>
 
 namespace tarn::tests {
@@ -145,26 +146,37 @@ class OneMapForAll final : public FakeTemperatures {
 
 // ---- handles
 
+/// Keeps every control that it sees.
+class Keeper {
+public:
+    std::shared_ptr<void> keep(std::shared_ptr<void> control)
+    {
+        const std::scoped_lock lock{m_mutex};
+        return m_kept.emplace_back(std::move(control));
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<std::shared_ptr<void>> m_kept;
+};
+
+auto keeping()
+{
+    return [keeper = std::make_shared<Keeper>()](sdk::Key /*key*/, std::shared_ptr<void> control) {
+        return keeper->keep(std::move(control));
+    };
+}
+
+/// Somebody else keeps the controls, and outlives the device.
 MakeDevice keptBySomebodyElse()
 {
-    return odd([kept = std::make_shared<std::vector<std::shared_ptr<void>>>()](sdk::Key /*key*/,
-                                                                               std::shared_ptr<void> control) {
-        kept->push_back(control);
-        return control;
-    });
+    return odd(keeping());
 }
 
 /// The same as long as the device lives, which drops its controls.
 MakeDevice keptByTheDevice()
 {
-    return [] {
-        return std::make_shared<OddVna>(simulated("drop-every=20")(),
-                                        [kept = std::make_shared<std::vector<std::shared_ptr<void>>>()](
-                                            sdk::Key /*key*/, std::shared_ptr<void> control) {
-                                            kept->push_back(control);
-                                            return control;
-                                        });
-    };
+    return [] { return std::make_shared<OddVna>(simulated("drop-every=20")(), keeping()); };
 }
 
 const std::vector<Breach> breaches{

@@ -32,8 +32,8 @@ INSTANTIATE_TEST_SUITE_P(Addresses, KeepingInstrument,
                          testing::Values("", "profile=bare", "profile=pell", "profile=zinnia", "profile=marl",
                                          "profile=tove", "profile=wisp", "profile=glint", "profile=brae",
                                          "profile=vell", "profile=multiport-lum", "profile=multiport-common",
-                                         "completion=inline", "drop-every=3", "fail-every=2", "throw-every=3",
-                                         "latency=2ms,drop-every=5,drop-for=3ms"));
+                                         "completion=inline", "profile=pell,drop-every=3,drop-for=1ms", "fail-every=2",
+                                         "throw-every=3", "profile=brae,latency=1ms,drop-every=5,drop-for=3ms"));
 
 TEST(FullInstrument, LeavesNoGuaranteeUnchecked)
 {
