@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <random>
 
 #include <libdeflate.h>
@@ -136,11 +137,11 @@ void FlashMemory::write(std::span<const std::byte> image, std::uint32_t from, st
         if (m_written.size() < sectorEnd)
             m_written.resize(sectorEnd);
         if (at % sectorSize == 0)
-            std::fill(m_written.data() + at, m_written.data() + sectorEnd, erased);
-        std::ranges::copy(image.subspan(at, end - at), reinterpret_cast<std::byte*>(m_written.data()) + at);
+            std::fill(m_written.data() + end, m_written.data() + sectorEnd, erased);
+        std::memcpy(m_written.data() + at, image.data() + at, end - at);
+        noteChecksums(at, end); // while the block is in the processor's cache
         at = end;
     }
-    noteChecksums(from, to);
 }
 
 void FlashMemory::startErasing()
