@@ -47,7 +47,8 @@ if(TARN_SANITIZERS)
         -fsanitize=${TARN_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tarn_build_options INTERFACE -fsanitize=${TARN_SANITIZERS})
 else() # the sanitizers bring their own checks and leave symbols to be resolved when a program starts
-    target_compile_options(tarn_build_options INTERFACE -fstack-protector-strong)
+    target_compile_options(tarn_build_options INTERFACE -fstack-protector-strong
+        $<$<AND:$<CONFIG:Release>,$<CXX_COMPILER_ID:GNU>>:-falign-loops=32>) # else a short loop may take a quarter longer
     target_compile_definitions(tarn_build_options INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:_FORTIFY_SOURCE=2>)
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         target_link_options(tarn_build_options INTERFACE -Wl,-z,defs)
