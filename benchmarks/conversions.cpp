@@ -2,6 +2,7 @@
 // `push_back` of the same fields.
 
 #include "fakes.h"
+#include "shortesthandle.h"
 #include "ways.h"
 
 #include <devices/service/frequencyplanconversion.h>
@@ -70,6 +71,12 @@ public:
     }
 };
 
+template <class Sdk>
+std::shared_ptr<ShortestHandle<Sdk>> shortest(const std::shared_ptr<Sdk>& control)
+{
+    return std::make_shared<ShortestHandle<Sdk>>([control] { return sdk::ControlHandle<Sdk>{control}; });
+}
+
 std::vector<vna::FrequencySegment> segments(std::size_t count)
 {
     std::vector<vna::FrequencySegment> plan(count);
@@ -116,7 +123,7 @@ std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points(std::si
     return result;
 }
 
-[[gnu::noinline]] void plainPoints(SdkPower& sink,
+[[gnu::noinline]] void plainPoints(ShortestHandle<SdkPower>& handle,
                                    std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> from)
 {
     std::vector<SdkPower::PowerCalPoint> to;
@@ -125,7 +132,8 @@ std::vector<SdkVellFactoryPowerCalibrationControl::PowerCalPoint> points(std::si
         to.push_back({point.frequency, point.nominalPower, point.measuredPower, point.isSourceAmplifierOn,
                       point.isSourceAttenuatorOn, point.sourceAttenuation, point.isReceiverAttenuatorOn,
                       point.receiverAttenuation, point.receiverPower});
-    sink.saveCalibrationData(0, std::move(to), 0.0);
+    if (const auto control = handle.lock())
+        control->saveCalibrationData(0, std::move(to), 0.0);
 }
 
 SdkVellIfswCalibrationControl::IfswCalibrationData records(std::size_t count)
@@ -139,7 +147,8 @@ SdkVellIfswCalibrationControl::IfswCalibrationData records(std::size_t count)
     return data;
 }
 
-[[gnu::noinline]] void plainRecords(SdkIfsw& sink, SdkVellIfswCalibrationControl::IfswCalibrationData from)
+[[gnu::noinline]] void plainRecords(ShortestHandle<SdkIfsw>& handle,
+                                    SdkVellIfswCalibrationControl::IfswCalibrationData from)
 {
     SdkIfsw::IfswCalibrationData to;
     to.frequencies = std::move(from.frequencies);
@@ -149,7 +158,8 @@ SdkVellIfswCalibrationControl::IfswCalibrationData records(std::size_t count)
     to.reference.ratios.reserve(from.reference.ratios.size());
     for (const auto& record : from.reference.ratios)
         to.reference.ratios.push_back({record.intermediateFrequency, record.magnitude, record.phase});
-    sink.saveCalibrationData(std::move(to));
+    if (const auto control = handle.lock())
+        control->saveCalibrationData(std::move(to));
 }
 
 /// The request of the list of files by hand.
@@ -201,11 +211,11 @@ std::vector<Way> calibrations(std::size_t count)
         prepared("power points" + of, "library", times, somePoints,
                  [power](auto data) { power->saveCalibrationData({}, 0.0, std::move(data)); }),
         prepared("power points" + of, "push_back", times, somePoints,
-                 [powerSink](auto data) { plainPoints(*powerSink, std::move(data)); }),
+                 [handle = shortest<SdkPower>(powerSink)](auto data) { plainPoints(*handle, std::move(data)); }),
         prepared("IF-switch records" + of, "library", times, someRecords,
                  [ifsw](auto data) { ifsw->saveCalibrationData(std::move(data)); }),
         prepared("IF-switch records" + of, "push_back", times, someRecords,
-                 [ifswSink](auto data) { plainRecords(*ifswSink, std::move(data)); }),
+                 [handle = shortest<SdkIfsw>(ifswSink)](auto data) { plainRecords(*handle, std::move(data)); }),
     };
 }
 

@@ -6,6 +6,7 @@
 #include <sdk/service/imemoryserialnumbercontrol.h>
 
 #include <memory>
+#include <vector>
 
 namespace tarn::benchmarks {
 
@@ -33,6 +34,10 @@ public:
 
 /// An observer that counts what it hears.
 [[nodiscard]] std::unique_ptr<devices::service::ISerialNumberControl::IObserver> makeEars();
+
+/// Tells all of them, by nothing but a loop.
+void tellAll(const std::vector<devices::service::ISerialNumberControl::IObserver*>& observers,
+             const devices::service::Progress& progress);
 
 /// The adapter of a control that is always there.
 template <class Adapter, class Sdk>

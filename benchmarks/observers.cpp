@@ -2,7 +2,6 @@
 // many.
 
 #include "fakes.h"
-#include "rawloop.h"
 #include "ways.h"
 
 #include <devices/service/sdkserialnumbercontrol.h>
@@ -80,13 +79,6 @@ struct Audience {
 #endif
 };
 
-/// The same loop within the program.
-[[gnu::noinline]] void tellAll(const std::vector<Adapter::IObserver*>& observers, const Progress& progress)
-{
-    for (auto* const observer : observers)
-        observer->onWriteProgressChanged(progress);
-}
-
 /// One notification, handed on to so many observers.
 std::vector<Way> progressTo(std::size_t size)
 {
@@ -95,8 +87,7 @@ std::vector<Way> progressTo(std::size_t size)
     return {
         repeated(row, "library", [audience] { audience->control->attached->onWriteProgressChanged(1, 2); }),
         repeated(row, "lock", [audience] { const std::scoped_lock lock{audience->mutex}; }),
-        repeated(row, "raw loop", [audience] { tellAllFromAfar(audience->pointers, {2, 1}); }),
-        repeated(row, "raw loop in the program", [audience] { tellAll(audience->pointers, {2, 1}); }),
+        repeated(row, "raw loop", [audience] { tellAll(audience->pointers, {2, 1}); }),
         repeated(row, "Qt direct connection", [audience] { Q_EMIT audience->sender.progressChanged({2, 1}); }),
 #ifdef TARN_WITH_BOOST
         repeated(row, "boost::signals2", [audience] { audience->boostSignal({2, 1}); }),
