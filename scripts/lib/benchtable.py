@@ -69,7 +69,7 @@ def line(goal, measure, ways):
         return {"what": goal["row"], "unit": "not measured", "library": None, "against": weighted(goal), "peer": None,
                 "ratio": None, "goal": None, "met": False, "reason": None, "is_ratio": is_ratio}
     peer = sum(weight * ways[way] for way, weight in weights(goal).items()) if is_compared else None
-    measured = library / peer if is_ratio else library
+    measured = round(library / peer, 3) if is_ratio else library # as it is shown
     most = peer + MORE[bound] if bound in MORE else bound
     met = measured <= most
     is_excused = "reason" in goal and not met and measured <= goal["kept"]
