@@ -34,7 +34,7 @@ def draw(axes, times, panel):
 def main():
     file, *results = sys.argv[1:]
     times = medians(results)
-    matplotlib.rcParams["svg.hashsalt"] = "performance"  # the same picture for the same figures
+    matplotlib.rcParams.update({"svg.hashsalt": "performance", "svg.fonttype": "none"})  # the same picture for the same figures
     figure, grid = plot.subplots(2, 2, figsize=(11, 8), layout="constrained")
     for axes, panel in zip(grid.flat, PANELS):
         draw(axes, times, panel)
