@@ -229,7 +229,7 @@ void describePowerCalibration(Description& description, std::shared_ptr<void> co
 void describeFactoryCorrections(Description& description, std::shared_ptr<void> control)
 {
     const Describe<Corrections> describe{description, std::static_pointer_cast<Corrections>(std::move(control))};
-    constexpr auto notKnown = "has one that is not among supportedCorrections";
+    static constexpr auto notKnown = "has one that is not among supportedCorrections";
     describe.reading("supportedCorrections", &Corrections::supportedCorrections)
         .reading("validCorrections",
                  [](Corrections& all) {

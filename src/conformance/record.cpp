@@ -75,9 +75,9 @@ Clock::time_point Record::lastProgress() const
     return m_lastProgress;
 }
 
-Record::Call::Call(std::shared_ptr<Record> record, const std::string& where, Kind kind)
+Record::Call::Call(std::shared_ptr<Record> record, std::string where, Kind kind)
     : m_record{std::move(record)}
-    , m_where{where}
+    , m_where{std::move(where)}
     , m_outer{plainOperation}
 {
     const utils::MutexLock lock{m_record->m_mutex};

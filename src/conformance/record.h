@@ -52,7 +52,7 @@ public:
     /// While one is alive, its thread is in the software of the device. Making one can throw an `Interruption`.
     class Call {
     public:
-        Call(std::shared_ptr<Record> record, const std::string& where, Kind kind = Kind::Plain);
+        Call(std::shared_ptr<Record> record, std::string where, Kind kind = Kind::Plain);
         Call(const Call&) = delete;
         Call& operator=(const Call&) = delete;
         ~Call();

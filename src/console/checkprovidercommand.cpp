@@ -62,6 +62,19 @@ std::string_view word(Verdict verdict)
     return "not-checked";
 }
 
+Output::Style styleOf(Verdict verdict)
+{
+    switch (verdict) {
+    case Verdict::Kept:
+        return Output::Style::Good;
+    case Verdict::Broken:
+        return Output::Style::Bad;
+    case Verdict::NotChecked:
+        break;
+    }
+    return Output::Style::Faint;
+}
+
 double seconds(std::chrono::nanoseconds time)
 {
     return std::chrono::duration<double>{time}.count();
@@ -185,9 +198,7 @@ private:
     void show(const Row& row) const
     {
         const auto& [guarantee, outcome] = row;
-        const auto style = outcome.verdict == Verdict::Kept ? Output::Style::Good
-            : outcome.verdict == Verdict::Broken            ? Output::Style::Bad
-                                                            : Output::Style::Faint;
+        const auto style = styleOf(outcome.verdict);
         const auto seen = outcome.verdict == Verdict::NotChecked ? outcome.reason : figuresText(outcome.seen);
         line(fmt::format("{:<22} {} {}", guarantee->name,
                          m_output.paint(style, padded(std::string{word(outcome.verdict)}, 12)), escaped(seen)));
@@ -229,7 +240,7 @@ private:
                           "the findings say where, docs/conformance.md what each guarantee means"};
         if (isStuck())
             m_output.end(error);
-        throw error;
+        throw Error{error};
     }
 
     void line(std::string_view text) const
