@@ -134,6 +134,29 @@ void describeFileMemory(Description& description, std::shared_ptr<void> control)
                   [](Files& memory, Done done) { memory.readFile(noFile, anything(std::move(done))); });
 }
 
+namespace {
+
+/// Writes the EEPROM of the first one as it is.
+Question eepromRewrite(const Describe<Potentiometers>& describe)
+{
+    const auto present = std::make_shared<HandOver<int>>();
+    auto rewrite = describe.asked("writeToEeprom of what is there", [present](Potentiometers& one, const Done& done) {
+        one.writeToEeprom(0, present->get(), [done](std::error_code error) { done(error, {}); });
+    });
+    rewrite.isOfWrites = true;
+    rewrite.first = std::make_shared<Question>(
+        describe.asked("readFromEeprom before it is written", [present](Potentiometers& one, const Done& done) {
+            one.readFromEeprom(0, [=](int value, std::error_code error) {
+                if (!error)
+                    present->put(value);
+                done(error, {});
+            });
+        }));
+    return rewrite;
+}
+
+} // namespace
+
 void describePotentiometers(Description& description, std::shared_ptr<void> control)
 {
     const Describe<Potentiometers> describe{description, std::static_pointer_cast<Potentiometers>(std::move(control))};
@@ -151,6 +174,8 @@ void describePotentiometers(Description& description, std::shared_ptr<void> cont
                                   done(error, wrongIf(!error && isOutside, "gives a value outside of its range"));
                               });
                           });
+    if (!list.empty())
+        description.questions.push_back(eepromRewrite(describe));
     describe.question("readFromEeprom behind the last", [index = list.size()](Potentiometers& one, Done done) {
         one.readFromEeprom(index, [done = std::move(done)](int /*value*/, std::error_code error) {
             done(error, wrongIf(!error, "succeeds, where an error code is due"));

@@ -20,11 +20,11 @@ class Interview {
 public:
     Interview(const Bench& bench, const Description& control)
         : m_bench{bench}
-    {
-        const bool isAnswering = std::ranges::all_of(control.questions, [this](const Question& question) {
+        , m_isAnswering{std::ranges::all_of(control.questions, [this](const Question& question) {
             return !m_bench.isAllowed(question) || finish(Request::make(m_bench.record(), question));
-        });
-        if (!isAnswering)
+        })}
+    {
+        if (!m_isAnswering)
             return;
         std::vector<std::shared_ptr<Request>> together;
         for (const auto& question : control.questions) {
@@ -36,6 +36,7 @@ public:
     }
 
     [[nodiscard]] const std::vector<Asked>& asked() const { return m_asked; }
+    [[nodiscard]] bool isAnswering() const { return m_isAnswering; }
 
 private:
     /// Whether it has ended.
@@ -49,7 +50,20 @@ private:
 
     const Bench& m_bench;
     std::vector<Asked> m_asked;
+    const bool m_isAnswering; ///< each question got an end
 };
+
+/// Asks a control everything that changes nothing, and leaves it unanswered.
+void leaveOutstanding(const Bench& bench, const Description& control,
+                      std::vector<std::shared_ptr<Request>>& outstanding)
+{
+    for (auto question : control.questions) {
+        if (question.isOfWrites || question.first)
+            continue;
+        question.where += " that is outstanding when the device is closed";
+        outstanding.push_back(Request::make(bench.record(), question));
+    }
+}
 
 /// What is wrong with how a request has ended; empty if nothing is.
 std::string wrongEnd(const Asked& asked, const Options& options)
@@ -99,12 +113,20 @@ void lookAtProgress(const Bench& bench, const Source& source)
 void lookAtCompletions(Bench& bench)
 {
     std::vector<Asked> all;
+    std::vector<ControlRow> answering;
     for (const auto& row : controlRows()) {
-        const auto asked = Interview{bench, bench.describe(row)}.asked();
-        all.insert(all.end(), asked.begin(), asked.end());
+        const Interview interview{bench, bench.describe(row)};
+        all.insert(all.end(), interview.asked().begin(), interview.asked().end());
+        if (interview.isAnswering())
+            answering.push_back(row);
     }
     Bench::settle();
+    std::vector<std::shared_ptr<Request>> outstanding;
+    for (const auto& row : answering)
+        leaveOutstanding(bench, bench.describe(row), outstanding);
     bench.close(); // what the device has kept may come with its end
+    for (const auto& request : outstanding)
+        all.push_back({request, bench.wait(*request)});
     Bench::settle();
     for (const auto& asked : all) {
         bench.record()->checked();

@@ -144,6 +144,29 @@ class OneMapForAll final : public FakeTemperatures {
     ModuleTemperatures m_map;
 };
 
+class WritesTwice final : public FakePotentiometers {
+    void writeToEeprom(unsigned long index, int newValue, sdk::Completion<> completion) override
+    {
+        FakePotentiometers::writeToEeprom(index, newValue, completion);
+        completion({});
+    }
+};
+
+/// Answers after a while, and nothing any more once it is closed.
+class ForgetsAtTheEnd final : public FakePotentiometers {
+    void readFromEeprom(unsigned long index, sdk::Completion<int> completion) override
+    {
+        m_threads.emplace_back([this, index, completion = std::move(completion)](const std::stop_token& stop) {
+            for (int i = 0; i != 20 && !stop.stop_requested(); ++i)
+                std::this_thread::sleep_for(std::chrono::milliseconds{1});
+            if (!stop.stop_requested())
+                FakePotentiometers::readFromEeprom(index, completion);
+        });
+    }
+
+    std::list<std::jthread> m_threads;
+};
+
 // ---- handles
 
 /// Keeps every control that it sees.
@@ -182,6 +205,10 @@ MakeDevice keptByTheDevice()
 const std::vector<Breach> breaches{
     {"UnknownKey", odd(&somethingForUnknownKeys), "keys", "control gives something for a key", false},
     {"InTurn", inTurn(), "keys", "lo-leakage is another one each time", false},
+    {"WritesTwice", offering<WritesTwice, sdk::service::IPotentiometersControl>(), "one-completion",
+     "potentiometers writeToEeprom of what is there was completed 2 times"},
+    {"ForgetsAtTheEnd", offering<ForgetsAtTheEnd, sdk::service::IPotentiometersControl>(), "one-completion",
+     "potentiometers readFromEeprom 0 that is outstanding when the device is closed let go of its completion"},
     {"EmptyRange",
      offering<FakePotentiometers, sdk::service::IPotentiometersControl>([](auto& one) { one.lowest = 10; }), "slots",
      "potentiometers potentiometers lists one whose minimum is above its maximum"},
