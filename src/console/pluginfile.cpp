@@ -5,6 +5,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 #include <QFileInfo>
+#include <QLibrary>
 #include <QPluginLoader>
 
 #include <chrono>
@@ -46,7 +47,7 @@ std::optional<QByteArray> checksumOf(const QString& file)
 void use(const QString& file)
 {
     QPluginLoader loader{file};
-    if (auto* const provider = qobject_cast<provider::IDeviceProvider*>(loader.instance()))
+    if (auto* const provider = qobject_cast<provider::IDeviceProvider*>(rootOf(loader)))
         static_cast<void>(ProviderCatalogue::Loaded{file, *provider});
     loader.unload();
 }
@@ -95,6 +96,12 @@ std::optional<bool> outcomeOfUse(const QString& file)
 }
 
 } // namespace
+
+QObject* rootOf(QPluginLoader& loader)
+{
+    loader.setLoadHints(loader.loadHints() | QLibrary::ResolveAllSymbolsHint);
+    return loader.instance();
+}
 
 std::optional<QString> damageOf(const QString& file)
 {

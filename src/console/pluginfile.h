@@ -6,6 +6,8 @@
 #include <optional>
 
 class QIODevice;
+class QObject;
+class QPluginLoader;
 
 namespace tarn::console {
 
@@ -13,6 +15,10 @@ namespace tarn::console {
 /// `file`.sha256; if there is none, loading it ends the process that does so, or does not come to an end in about
 /// ten seconds. Nothing if it can be loaded.
 [[nodiscard]] std::optional<QString> damageOf(const QString& file);
+
+/// The root object of a plug-in, which is loaded with all that it needs: a function that is missing is noticed now, and
+/// not by the end of the program when it is called. Null if it cannot be loaded.
+[[nodiscard]] QObject* rootOf(QPluginLoader& loader);
 
 /// Whether the library that `contents` holds ends before its table of sections, the last thing that a linker writes.
 /// Reads from the beginning.

@@ -85,7 +85,7 @@ std::expected<ProviderCatalogue::Loaded, QString> ProviderCatalogue::load(const 
     if (const auto damage = damageOf(file))
         return std::unexpected{*damage};
     const DeviceCall call;
-    auto* const root = loader.instance();
+    auto* const root = rootOf(loader);
     if (!root)
         return std::unexpected{QStringLiteral("it cannot be loaded: %1").arg(loader.errorString())};
     auto* const provider = qobject_cast<provider::IDeviceProvider*>(root);
