@@ -83,14 +83,13 @@ const ProviderCatalogue::Loaded& Session::provider()
     QStringList names;
     for (const auto& loaded : catalogue.loaded())
         names.append(loaded.name);
-    const auto message = fmt::format("there is no provider '{}'", m_options.provider);
-    const auto folders = catalogue.folders().join(QStringLiteral(", "));
-    if (names.isEmpty())
-        throw Error{ErrorCode::NotFound, message,
-                    fmt::format("no provider was found in {}; TARN_SERVICE_PROVIDERS names other folders", folders)};
-    throw Error{
-        ErrorCode::NotFound, message,
-        fmt::format("there are: {}; 'tarn-service providers' describes them", names.join(QStringLiteral(", ")))};
+    auto hint = names.isEmpty()
+        ? fmt::format("no provider was found in {}; TARN_SERVICE_PROVIDERS names other folders",
+                      catalogue.folders().join(QStringLiteral(", ")))
+        : fmt::format("there are: {}; 'tarn-service providers' describes them", names.join(QStringLiteral(", ")));
+    for (const auto& refused : catalogue.refused())
+        hint += fmt::format("; not used: {}: {}", refused.file, refused.reason);
+    throw Error{ErrorCode::NotFound, fmt::format("there is no provider '{}'", m_options.provider), hint};
 }
 
 Instrument& Session::instrument()

@@ -60,6 +60,12 @@ TEST_F(ProvidersTest, APlugInWhoseRootObjectIsSomethingElseIsRefused)
     EXPECT_THAT(refusal(providers()), HasSubstr("WrongRootProvider"));
 }
 
+TEST_F(ProvidersTest, APlugInThatNeedsAFunctionWhichNobodyHasIsRefusedWhenItIsLoaded)
+{
+    useTestProvider(QStringLiteral("missing_function_provider"));
+    EXPECT_THAT(refusal(providers()), HasSubstr("openWithAFunctionThatIsMissing"));
+}
+
 TEST_F(ProvidersTest, AFileThatIsNoPlugInIsRefused)
 {
     writeLocal(QStringLiteral("libnothing.so"), "not a library");
@@ -105,6 +111,15 @@ TEST_F(ProvidersTest, WithoutAnyProviderTheFoldersAreNamed)
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr(path(QStringLiteral("nowhere")).toStdString()));
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("TARN_SERVICE_PROVIDERS"));
     EXPECT_EQ(run({QStringLiteral("providers")}).exitCode, 0);
+}
+
+TEST_F(ProvidersTest, WhoeverAsksForAPlugInThatIsRefusedHearsWhy)
+{
+    useTestProvider(QStringLiteral("wrong_interface_provider"));
+    const auto outcome = run({QStringLiteral("--provider"), QStringLiteral("wrong"), QStringLiteral("controls")});
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("not used: "));
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("'tarn.DeviceProvider/999'"));
 }
 
 } // namespace tarn::console
