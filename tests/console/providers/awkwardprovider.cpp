@@ -272,8 +272,9 @@ public:
                 OpenError{failure->second, QStringLiteral("it is ") + request.address, QStringLiteral("mend it")}};
         if (request.address == QStringLiteral("nothing"))
             return nullptr;
-        if (request.address.startsWith(QStringLiteral("stuck=")))
-            awkward::stuckIn = request.address.mid(6).toStdString();
+        if (const auto call = request.address.mid(6).toStdString();
+            request.address.startsWith(QStringLiteral("stuck=")) && awkward::stuckIn != call)
+            awkward::stuckIn = call; // at the first opening: threads of an instrument that was given up still read it
         awkward::enter("opening");
         return std::make_shared<Instrument>(request.address.toStdString());
     }
