@@ -4,7 +4,7 @@
     commands.py FOLDER [FILE...]             FOLDER holds tarn-service
     commands.py --update FOLDER [FILE...]    puts what they print into the files instead
 
-Commands are those that begin with `scripts/` or `tarn-service`: in a block `console` after `$ `, followed by their output;
+Commands are those that begin with `scripts/`, `tarn-service` or `cat examples/`: in a block `console` after `$ `, followed by their output;
 in a block `sh` without any, where they only have to succeed. A command succeeds unless its output has a line that begins
 with `error: `, or `$ echo $?` comes next. Each file has a folder and a state of its own, in which its commands run one after
 the other; standard output and standard error go the same way, and to no terminal. Without FILE: README.md and docs/*.md.
@@ -68,7 +68,7 @@ def shown_commands(lines):
 
 
 def is_ours(command):
-    return re.match(r"scripts/|tarn-service\b", command) is not None
+    return re.match(r"scripts/|tarn-service\b|cat examples/", command) is not None
 
 
 def comparable(text):
