@@ -29,7 +29,8 @@ Examples:
   tarn-service --address drop-every=3 tour     a walk through everything on a restless instrument
 
 Environment:
-  TARN_SERVICE_PROVIDERS   folders of the provider plug-ins, separated as in PATH
+  TARN_SERVICE_PROVIDERS   folders of the provider plug-ins, separated as in PATH, in place of
+                           the installed one
   TARN_SERVICE_STATE       as --state
   NO_COLOR                 no colour, unless --color says otherwise
 
