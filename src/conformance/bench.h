@@ -87,6 +87,9 @@ private:
     std::vector<std::function<void()>> m_changes TARN_GUARDED_BY(m_mutex);
 };
 
+/// What puts the settings of a control back as they are now.
+[[nodiscard]] std::function<void()> puttingBack(const Bench& bench, Description control);
+
 // What the guarantees are checked by.
 void lookAtKeys(Bench& bench);
 void lookAtSlots(Bench& bench);

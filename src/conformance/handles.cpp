@@ -170,6 +170,7 @@ void lookAtHandles(Bench& bench)
         bench.record()->checked();
     lookAtOffer(bench, handles, *observer);
     lookAtDrops(bench, *observer);
+    lookAtOffer(bench, handles, *observer); // a drop is announced
     if (!bench.call("device removeObserver", [&] { device.removeObserver(observer.get()); }))
         bench.record()->finding("device", "has thrown from removeObserver");
     observer->end();

@@ -32,13 +32,19 @@ void provoke(const Bench& bench, const Source& source, const Ear& ear)
     Bench::settle();
 }
 
-/// Runs `look` for every source of notifications of the device's controls.
+/// Runs `look(control, source)` for every source of notifications of the device's controls. What a provocation leaves
+/// changed, as one does that is refused halfway, is put back.
 template <class Look>
-void forEachSource(const Bench& bench, Look look)
+void forEachSource(Bench& bench, Look look)
 {
     for (const auto& row : controlRows()) {
-        for (const auto& source : bench.describe(row).sources)
-            look(source);
+        const auto control = bench.describe(row);
+        for (const auto& source : control.sources) {
+            const auto* const provocation = provocationOf(bench, source);
+            const bool isChanged = provocation && provocation->isOfWrites;
+            const Bench::Change change{bench, isChanged ? puttingBack(bench, control) : [] { }};
+            look(control, source);
+        }
     }
 }
 
@@ -139,6 +145,33 @@ void lookAtRemovalFromInside(const Bench& bench, const Source& source)
         bench.record()->finding(source.where, "was notified after it had removed itself from inside a notification");
 }
 
+class DeviceObserver final : public sdk::IVna::Observer {
+public:
+    explicit DeviceObserver(std::shared_ptr<Ear> ear)
+        : m_ear{std::move(ear)}
+    {
+    }
+
+    void onControlsAboutToBeReleased() override { m_ear->hear("release"); }
+    void onControlsAvailable() override { m_ear->hear("offer"); }
+
+private:
+    const std::shared_ptr<Ear> m_ear;
+};
+
+/// What an observer of the device hears that is removed at once; null if the device does not take it.
+std::shared_ptr<Ear> removedFromDevice(const Bench& bench)
+{
+    const auto ear = std::make_shared<Ear>(bench.record());
+    const auto registration = registrationOf<DeviceObserver>(bench.device(), ear);
+    if (!bench.add("the device", registration))
+        return nullptr;
+    if (!bench.remove("the device", registration))
+        bench.record()->finding("the device", "has thrown from removeObserver");
+    ear->onRemoved();
+    return ear;
+}
+
 /// Calls what there is of a control with an observer registered.
 void lookAtNotifyingOperations(const Bench& bench, const Description& control, const Source& source)
 {
@@ -150,8 +183,13 @@ void lookAtNotifyingOperations(const Bench& bench, const Description& control, c
         bench.call(reading.where, [&] { static_cast<void>(reading.read()); });
     provoke(bench, source, *ear);
     bench.remove(source.where, registration);
-    for (const auto& notification : ear->heard()) {
+    const auto* const provocation = provocationOf(bench, source);
+    const auto heard = ear->heard();
+    if (heard.empty() || !provocation || provocation->hasCompletion) // which may be notified of inside
+        bench.record()->note(source.where, "was not notified of an operation without a completion");
+    else
         bench.record()->checked();
+    for (const auto& notification : heard) {
         if (!notification.inside.empty())
             bench.record()->finding(source.where, "was notified inside of '" + notification.inside + "'");
     }
@@ -196,24 +234,28 @@ void lookAtRefusal(const Bench& bench, const ControlRow& row, const Source& sour
 
 void lookAtRegistrations(Bench& bench)
 {
-    forEachSource(bench, [&](const Source& source) { lookAtRegistration(bench, source); });
+    forEachSource(bench,
+                  [&](const Description& /*control*/, const Source& source) { lookAtRegistration(bench, source); });
 }
 
 void lookAtRemovals(Bench& bench)
 {
-    forEachSource(bench, [&](const Source& source) {
+    const auto removed = removedFromDevice(bench);
+    forEachSource(bench, [&](const Description& /*control*/, const Source& source) {
         if (lookAtRemoval(bench, source))
             lookAtRemovalFromInside(bench, source);
     });
+    bench.close();
+    Bench::settle();
+    if (removed && removed->lateCount() != 0)
+        bench.record()->finding("the device", "has notified an observer after removeObserver had returned");
 }
 
 void lookAtNotifyingOperations(Bench& bench)
 {
-    for (const auto& row : controlRows()) {
-        const auto control = bench.describe(row);
-        for (const auto& source : control.sources)
-            lookAtNotifyingOperations(bench, control, source);
-    }
+    forEachSource(bench, [&](const Description& control, const Source& source) {
+        lookAtNotifyingOperations(bench, control, source);
+    });
 }
 
 void lookAtRefusals(Bench& bench)

@@ -12,6 +12,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::conformance {
@@ -199,8 +200,8 @@ void lookAtStored(Bench& bench, const Stored<Type>& stored, Other other)
     if (!before)
         return;
     const Bench::Change change{bench, [&bench, stored, value = *before] {
-                                   const bool isWritten = writeStored(bench, stored, value, true);
-                                   if (!isWritten || readStored(bench, stored, true) != value)
+                                   writeStored(bench, stored, value, true);
+                                   if (readStored(bench, stored, true) != value) // also where nothing can be written
                                        bench.record()->finding(stored.where, "could not be put back");
                                }};
     const Type changed = other(*before);
@@ -255,10 +256,15 @@ void lookAtFile(Bench& bench)
         [=](const Contents& contents, auto done) { control->writeFile(name, contents, std::move(done)); }};
     const auto remove
         = [=](const Done& done) { control->deleteFile({name, 0}, [done](std::error_code error) { done(error, {}); }); };
+    const Stored<std::vector<Control::FileInfo>> list{
+        "file-memory list", [=](auto done) { control->fileList(std::move(done)); }, {}};
     const Contents contents{1, 0, 255, 10, 13, 26};
     const Bench::Change change{
-        bench, [&bench, remove, name] {
-            if (!succeeds(bench, {.where = "file-memory deleteFile", .ask = remove, .isPuttingBack = true}))
+        bench, [&bench, remove, list, name] {
+            const bool isRemoved
+                = succeeds(bench, {.where = "file-memory deleteFile", .ask = remove, .isPuttingBack = true});
+            const auto left = readStored(bench, list, true); // it may never have been written
+            if (left ? std::ranges::find(*left, name, &Control::FileInfo::name) != left->end() : !isRemoved)
                 bench.record()->finding("file-memory deleteFile", "has not removed '" + name + "'");
         }};
     if (writeStored(bench, stored, contents))
@@ -266,6 +272,11 @@ void lookAtFile(Bench& bench)
 }
 
 } // namespace
+
+std::function<void()> puttingBack(const Bench& bench, Description control)
+{
+    return [settings = std::make_shared<const Settings>(bench, std::move(control))] { settings->putBack(); };
+}
 
 void lookAtValues(Bench& bench)
 {

@@ -144,6 +144,10 @@ class OneMapForAll final : public FakeTemperatures {
     ModuleTemperatures m_map;
 };
 
+class KeepsWhatItDeletes final : public FakeFiles {
+    void deleteFile(const FileInfo& /*file*/, sdk::Completion<> completion) override { completion({}); }
+};
+
 class WritesTwice final : public FakePotentiometers {
     void writeToEeprom(unsigned long index, int newValue, sdk::Completion<> completion) override
     {
@@ -168,6 +172,39 @@ class ForgetsAtTheEnd final : public FakePotentiometers {
 };
 
 // ---- handles
+
+/// Notifies the observers that were removed from it as well, when it is closed.
+class KeepsItsObservers final : public sdk::IVna {
+public:
+    ~KeepsItsObservers() override
+    {
+        for (auto* const observer : m_observers)
+            observer->onControlsAboutToBeReleased();
+    }
+
+    using sdk::IVna::control;
+    std::shared_ptr<void> control(sdk::Key /*key*/) override { return nullptr; }
+    void addObserver(Observer* observer) override { m_observers.push_back(observer); }
+    void removeObserver(Observer* /*observer*/) override { }
+    [[nodiscard]] sdk::Model model() const override { return sdk::Model{"Fake"}; }
+
+private:
+    std::vector<Observer*> m_observers;
+};
+
+/// Has another control when it is asked again, without a word.
+MakeDevice droppingUnannounced()
+{
+    return [] {
+        const auto device = std::make_shared<FakeVna>();
+        device->offer<sdk::service::ILoLeakageControl>(FakeLoLeakage::key, std::make_shared<FakeLoLeakage>());
+        device->whenAsked([&device = *device](sdk::Key key) {
+            if (key == FakeLoLeakage::key && device.asked(key) == 2)
+                device.offer<sdk::service::ILoLeakageControl>(key, std::make_shared<FakeLoLeakage>());
+        });
+        return device;
+    };
+}
 
 /// Keeps every control that it sees.
 class Keeper {
@@ -254,6 +291,11 @@ const std::vector<Breach> breaches{
      "lo-leakage isEnabled was set to 1 and is 0"},
     {"ForgetsTheEeprom", offering<ForgetsTheEeprom, sdk::service::IPotentiometersControl>(), "values-survive",
      "potentiometers EEPROM is read as something else"},
+    {"KeepsWhatItDeletes", offering<KeepsWhatItDeletes, sdk::service::IFileMemoryControl>(), "values-survive",
+     "file-memory deleteFile has not removed 'tarn-check-"},
+    {"KeepsItsObservers", [] { return std::make_shared<KeepsItsObservers>(); }, "silent-after-removal",
+     "the device has notified an observer after removeObserver had returned"},
+    {"DropsUnannounced", droppingUnannounced(), "handles-expire", "lo-leakage is not kept by the device"},
     {"KeptBySomebodyElse", keptBySomebodyElse(), "handles-expire", "lo-leakage lives on when the device has gone",
      false},
     {"KeptByTheDevice", keptByTheDevice(), "handles-expire", "lo-leakage was dropped and lives on", false},

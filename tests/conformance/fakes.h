@@ -16,11 +16,14 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -122,6 +125,40 @@ public:
     std::int32_t lowest = 0;
     int value = 4;
     std::error_code behindTheLast = std::make_error_code(std::errc::invalid_argument);
+};
+
+/// Ends everything inside of the call.
+class FakeFiles : public sdk::service::IFileMemoryControl {
+public:
+    bool isAvailable() override { return true; }
+    void fileList(sdk::Completion<std::vector<FileInfo>> completion) override
+    {
+        std::vector<FileInfo> list;
+        for (const auto& [name, contents] : files)
+            list.push_back({name, contents.size()});
+        completion(std::move(list), {});
+    }
+    void spaceInfo(sdk::Completion<SpaceInfo> completion) override { completion({9, 1, 8}, {}); }
+    void readFile(const FileInfo& file, sdk::Completion<std::vector<std::uint8_t>> completion) override
+    {
+        const auto found = files.find(file.name);
+        if (found == files.end())
+            completion({}, missing);
+        else
+            completion(found->second, {});
+    }
+    void writeFile(std::string name, std::vector<std::uint8_t> contents, sdk::Completion<> completion) override
+    {
+        files[std::move(name)] = std::move(contents);
+        completion({});
+    }
+    void deleteFile(const FileInfo& file, sdk::Completion<> completion) override
+    {
+        completion(files.erase(file.name) != 0 ? std::error_code{} : missing);
+    }
+
+    std::map<std::string, std::vector<std::uint8_t>> files;
+    std::error_code missing = std::make_error_code(std::errc::no_such_file_or_directory);
 };
 
 /// Refuses everything, on a thread of its own.

@@ -117,6 +117,41 @@ TEST(AnyInstrument, IsNotChangedWithoutLeave)
     EXPECT_EQ(calibration->changes, 0);
 }
 
+/// Takes no change of what it has stored.
+class ReadOnlyFiles final : public FakeFiles {
+    void writeFile(std::string /*name*/, std::vector<std::uint8_t> /*contents*/, sdk::Completion<> completion) override
+    {
+        completion(std::make_error_code(std::errc::read_only_file_system));
+    }
+};
+
+class ReadOnlyPotentiometers final : public FakePotentiometers {
+    void writeToEeprom(unsigned long /*index*/, int /*value*/, sdk::Completion<> completion) override
+    {
+        completion(std::make_error_code(std::errc::operation_not_permitted));
+    }
+};
+
+TEST(ReadOnlyInstrument, BreaksNothingByRefusingToBeWritten)
+{
+    const auto device = std::make_shared<FakeVna>();
+    device->offer<sdk::service::IFileMemoryControl>(FakeFiles::key, std::make_shared<ReadOnlyFiles>());
+    device->offer<sdk::service::IPotentiometersControl>(FakePotentiometers::key,
+                                                        std::make_shared<ReadOnlyPotentiometers>());
+    const auto outcome = conformance::check(guarantee("values-survive"), device, quick());
+    EXPECT_EQ(outcome.verdict, Verdict::NotChecked) << textOf(outcome);
+    EXPECT_THAT(outcome.reason, testing::HasSubstr("ended with the error"));
+}
+
+TEST(OwnThread, IsNotCheckedByARequestThatMayNotifyItsCaller)
+{
+    const auto make = offering<FakeMemory, sdk::service::IMemoryOperationsControl>();
+    const auto outcome = conformance::check(guarantee("own-thread"), make(), quick());
+    EXPECT_GT(outcome.seen.notifications, 0U);
+    EXPECT_EQ(outcome.verdict, Verdict::NotChecked);
+    EXPECT_THAT(outcome.reason, testing::HasSubstr("was not notified of an operation without a completion"));
+}
+
 TEST(DroppingInstrument, IsSeenToLetItsControlsGo)
 {
     const auto outcome = conformance::check(guarantee("handles-expire"), simulated("drop-every=7")(), quick());

@@ -3,6 +3,7 @@
 #include <conformance/fakes.h>
 
 #include <latch>
+#include <stdexcept>
 #include <stop_token>
 
 namespace tarn::tests {
@@ -112,6 +113,32 @@ TEST(InterruptedCheck, CallsNothingMore)
     EXPECT_EQ(outcome.verdict, Verdict::NotChecked);
     EXPECT_EQ(outcome.reason, "it was interrupted");
     EXPECT_EQ(outcome.seen.calls, 1U); // the device is closed
+}
+
+/// Refuses the second change.
+class RefusesOnce final : public FakeCorrections {
+public:
+    void setEnabled(sdk::CorrectionFlag changed, bool value) override
+    {
+        if (++m_changes == 2)
+            throw std::runtime_error{"not now"};
+        FakeCorrections::setEnabled(changed, value);
+    }
+
+private:
+    std::atomic<int> m_changes{0};
+};
+
+TEST(ProvocationRefusedHalfway, IsPutBack)
+{
+    for (const auto* const name : {"registered-once", "silent-after-removal", "own-thread"}) {
+        const auto control = std::make_shared<RefusesOnce>();
+        auto device = std::make_shared<FakeVna>();
+        device->offer<sdk::IFactoryCorrectionControl>(RefusesOnce::key, control);
+        const auto outcome = conformance::check(guarantee(name), std::move(device), quick());
+        EXPECT_FALSE(control->enabled) << name;
+        EXPECT_NE(outcome.verdict, Verdict::Broken) << name << ": " << textOf(outcome);
+    }
 }
 
 /// Waits in a removal for its own notification.
