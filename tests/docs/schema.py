@@ -1,11 +1,11 @@
 #!/usr/bin/python3
 """Holds what `tarn-service --json` prints against docs/schema/tarn-service-1.json.
 
-    schema.py FOLDER    which holds tarn-service
+    schema.py FOLDER PROVIDER    FOLDER holds tarn-service, PROVIDER a plug-in for tests
 
-Every command of the program is run on a simulated instrument, some of them so that they fail. Each line must be as the schema
-says; each command must have had a result, and each code of an error must have come, with its exit code. Then every line is
-damaged, and the schema must say so.
+Every command of the program is run on a simulated instrument, some of them so that they fail, some on one of the plug-in's that
+somebody else is busy with. Each line must be as the schema says; each command must have had a result, each event of a watch and
+each code of an error must have come, with its exit code. Then every line is damaged, and the schema must say so.
 """
 
 import copy
@@ -75,8 +75,11 @@ COMMANDS = """
     corrections enable system
     corrections disable system
     corrections watch --count 2
+    --provider awkward --address shared corrections watch --count 3
     calibrations status
     calibrations watch --count 2
+    --provider awkward --address shared calibrations watch --count 2
+    --address bench3,drop-every=2 calibrations watch --count 4
     quill-power show
     quill-power get lo-power
     quill-power set lo-power 20 synt-power-mode high
@@ -118,9 +121,10 @@ COMMANDS = """
 
 
 class Console:
-    def __init__(self, programs, folder):
+    def __init__(self, programs, provider, folder):
         self.program, self.folder = f"{programs}/tarn-service", folder
-        self.environment = {"TARN_SERVICE_STATE": f"{folder}/state", "LC_ALL": "C.UTF-8", "TZ": "UTC"}
+        self.environment = {"TARN_SERVICE_STATE": f"{folder}/state", "LC_ALL": "C.UTF-8", "TZ": "UTC",
+                            "TARN_SERVICE_PROVIDERS": f"{programs.parent}/lib/tarn-service/providers:{provider}"}
         self.environment |= {name: value for name, value in os.environ.items() if name.endswith("SAN_OPTIONS")}
 
     def start(self, command):
@@ -189,12 +193,20 @@ def damaged(printed):
         yield {**printed, "command": "nonsense"}
 
 
-def main(programs):
+def events(schema):
+    """What a watch can tell of, as the words of its command and the event."""
+    for answer in schema["$defs"]["results"]["anyOf"]:
+        for shape in answer["properties"]["result"].get("anyOf", []):
+            event = shape["properties"].get("event", {"enum": []})
+            yield from ((answer["properties"]["command"]["enum"][0], name) for name in event.get("enum", [event.get("const")]))
+
+
+def main(programs, provider):
     validator = Draft202012Validator(schema := json.loads((ROOT / "docs/schema/tarn-service-1.json").read_text()))
     validator.check_schema(schema)
-    wrong, answered, codes, count = [], set(), set(), 0
+    wrong, answered, told, codes, count = [], set(), set(), set(), 0
     with tempfile.TemporaryDirectory() as name:
-        console = Console(pathlib.Path(programs).resolve(), pathlib.Path(name))
+        console = Console(pathlib.Path(programs).resolve(), pathlib.Path(provider).resolve(), pathlib.Path(name))
         expected = set(console.commands())
         prepare(console)
         outputs = [(command, *console.run(command)) for command in map(str.strip, COMMANDS.strip().splitlines())]
@@ -208,11 +220,14 @@ def main(programs):
                       if validator.is_valid(copied)]
             if "result" in printed and "help" not in printed["result"]:
                 answered.add(printed["command"])
+                if isinstance(printed["result"], dict) and "event" in printed["result"]:
+                    told.add((printed["command"], printed["result"]["event"]))
         code = lines[-1].get("error", {}).get("code") if lines else None
         codes.add(code)
         if status != EXIT_CODES.get(code, 0):
             wrong.append(f"{command}: ended with {status}, and said {lines[-1:]}")
     wrong += [f"{command}: has no result here; add it to COMMANDS" for command in sorted(expected - answered)]
+    wrong += [f"{command}: the event '{event}' did not come" for command, event in sorted(set(events(schema)) - told)]
     known = set(schema["properties"]["error"]["properties"]["code"]["enum"])
     wrong += [f"the error '{code}' did not come" for code in sorted(known - codes)]
     print("\n".join(wrong) if wrong else f"{count} objects of {len(expected)} commands are as the schema says")
@@ -220,4 +235,4 @@ def main(programs):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(*sys.argv[1:]))
