@@ -1,16 +1,20 @@
-// Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, run interleaved with the others,
-// three times. scripts/bench runs the program five times and takes the medians of all.
+// Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, and comes three times, each time
+// next to the others of its row. scripts/bench runs the program nine times and holds against each other what stood
+// together.
 
 #include "ways.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <climits>
+#include <cstddef>
 #include <cstdlib>
 #include <random>
 #include <stop_token>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <malloc.h>
@@ -24,16 +28,50 @@ Clock::time_point begin;
 std::chrono::duration<double> elapsed{};
 
 /// Of the same code on the same data one run may take a quarter longer than another, for where their blocks happen to
-/// lie. Each repetition therefore begins with another free place, and scripts/bench runs each program several times.
-void measure(benchmark::State& state, const Way& way)
+/// lie: `shift` bytes further on. Those that are compared have the same.
+void measure(benchmark::State& state, const Way& way, std::size_t shift)
 {
-    static std::minstd_rand random{std::random_device{}()};
-    const std::vector<char> shift(random() % 4096);
-    consume(shift);
+    const std::vector<char> taken(shift);
+    consume(taken);
     while (state.KeepRunningBatch(state.max_iterations)) {
         elapsed = {};
         way.run(static_cast<std::uint64_t>(state.max_iterations));
         state.SetIterationTime(elapsed.count());
+    }
+}
+
+void add(const Way& way, std::size_t shift)
+{
+    auto* const timed = benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way, shift);
+    timed->UseManualTime();
+    if (way.times != 0)
+        timed->Iterations(static_cast<benchmark::IterationCount>(way.times));
+}
+
+/// The ways of each row, in the order of the rows.
+std::vector<std::vector<Way>> rows()
+{
+    std::vector<std::vector<Way>> rows;
+    for (auto& way : allWays()) {
+        const auto row = std::ranges::find(rows, way.row, [](const auto& ways) { return ways.front().row; });
+        (row == rows.end() ? rows.emplace_back() : *row).push_back(std::move(way));
+    }
+    return rows;
+}
+
+/// Who comes first in a row is another one each time.
+void addAll()
+{
+    constexpr auto longestShift = 4096U;
+    std::minstd_rand random{std::random_device{}()};
+    auto all = rows();
+    for (int round = 0; round != 3; ++round) {
+        for (auto& ways : all) {
+            const auto shift = random() % longestShift;
+            for (const auto& way : ways)
+                add(way, shift);
+            std::ranges::rotate(ways, ways.begin() + 1);
+        }
     }
 }
 
@@ -66,23 +104,13 @@ int main(int argc, char** argv)
             std::this_thread::sleep_for(std::chrono::milliseconds{100});
     }};
     // What the command line says comes later and therefore counts.
-    char interleaved[] = "--benchmark_enable_random_interleaving=true";
-    char repetitions[] = "--benchmark_repetitions=3";
     char seconds[] = "--benchmark_min_time=0.05";
-    std::vector<char*> arguments{argv[0], interleaved, repetitions, seconds};
+    std::vector<char*> arguments{argv[0], seconds};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int argumentCount = static_cast<int>(arguments.size());
     benchmark::Initialize(&argumentCount, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(argumentCount, arguments.data()))
         return EXIT_FAILURE;
-    const std::vector<char> shift(std::random_device{}() % 4096);
-    consume(shift);
-    const auto ways = allWays();
-    for (const auto& way : ways) {
-        auto* const timed = benchmark::RegisterBenchmark((way.row + '/' + way.name).c_str(), &measure, way);
-        timed->UseManualTime();
-        if (way.times != 0)
-            timed->Iterations(static_cast<benchmark::IterationCount>(way.times));
-    }
+    addAll();
     return benchmark::RunSpecifiedBenchmarks() > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

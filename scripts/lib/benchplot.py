@@ -3,9 +3,10 @@ images, from what Google Benchmark wrote into RESULTS."""
 
 import re
 import sys
+from statistics import median
 
 import matplotlib
-from benchtable import medians
+from benchtable import samples
 
 matplotlib.use("svg")
 import matplotlib.pyplot as plot  # noqa: E402
@@ -23,7 +24,7 @@ PANELS = [
 def draw(axes, times, panel):
     title, unit, rows, ways = panel
     for way in ways:
-        points = sorted((int(match[1]), by_way[way]) for row, by_way in times.items()
+        points = sorted((int(match[1]), median(by_way[way])) for row, by_way in times.items()
                         if (match := re.fullmatch(rows, row)) and way in by_way)
         axes.loglog(*zip(*points), marker="o", label=way)
     axes.set(title=title, xlabel=unit, ylabel="ns")
@@ -33,7 +34,7 @@ def draw(axes, times, panel):
 
 def main():
     file, *results = sys.argv[1:]
-    times = medians(results)
+    times = samples(results)
     matplotlib.rcParams.update({"svg.hashsalt": "performance", "svg.fonttype": "none"})  # the same picture for the same figures
     figure, grid = plot.subplots(2, 2, figsize=(11, 8), layout="constrained")
     for axes, panel in zip(grid.flat, PANELS):
