@@ -67,7 +67,7 @@ public:
 std::uint64_t timesOf(std::size_t size)
 {
     constexpr std::size_t altogether = std::size_t{1} << 30U;
-    return std::clamp<std::size_t>(altogether / size, 4, 2'000);
+    return std::clamp<std::size_t>(altogether / size, 2, 2'000);
 }
 
 std::vector<Way> files(std::size_t kib)

@@ -59,7 +59,8 @@ void once(Run& run, Input&&... input)
     }
 }
 
-/// A way that does the same again and again. What it makes once for all, the first time, does not count.
+/// A way that does the same again and again. The first time does not count: it makes what is made once for all, and
+/// gets memory from the system.
 template <class Run>
 [[nodiscard]] Way repeated(std::string row, std::string name, Run run)
 {
@@ -71,12 +72,13 @@ template <class Run>
             }};
 }
 
-/// A way that each time uses up what `prepare` makes, which does not count; timed `times` times at a time, because
-/// making it may take much longer.
+/// A way that each time uses up what `prepare` makes, which does not count, nor does the first time; timed `times`
+/// times at a time, because making it may take much longer.
 template <class Prepare, class Run>
 [[nodiscard]] Way prepared(std::string row, std::string name, std::uint64_t times, Prepare prepare, Run run)
 {
     const auto measure = [prepare = std::move(prepare), run = std::move(run)](std::uint64_t count) mutable {
+        once(run, prepare());
         for (; count != 0; --count) {
             auto input = prepare();
             const Measured measured;
