@@ -1,5 +1,5 @@
 // System error terms of two ports, brought into the SDK's form: the library's way against `reserve` and `push_back` of
-// each trace.
+// the same fields.
 
 #include "ways.h"
 
@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::benchmarks {
@@ -30,32 +31,33 @@ vna::ErrorTerms terms(std::size_t points)
     return result;
 }
 
-template <class Term>
-ErrorTerms::Trace trace(std::size_t points, Term term)
-{
-    ErrorTerms::Trace result;
-    result.reserve(points);
-    for (std::size_t point = 0; point != points; ++point)
-        result.push_back(term(point));
-    return result;
-}
-
 [[gnu::noinline]] ErrorTerms plainToSdk(const vna::ErrorTerms& from)
 {
     const auto points = from.frequencies().size();
     ErrorTerms to{{from.frequencies().begin(), from.frequencies().end()}, {}, {}};
     to.ports.reserve(2);
     to.portPairs.reserve(2);
-    for (std::uint32_t port = 1; port <= 2; ++port) {
-        to.ports.push_back(
-            {trace(points, [&](auto point) { return from.reflection(point, port).directivity; }),
-             trace(points, [&](auto point) { return from.reflection(point, port).sourceMatch; }),
-             trace(points, [&](auto point) { return from.reflection(point, port).reflectionTracking; })});
-        const auto term
-            = [&](auto point) -> const vna::TransmissionTerms& { return from.transmission(point, 3 - port, port); };
-        to.portPairs.push_back({port, 3 - port, trace(points, [&](auto point) { return term(point).loadMatch; }),
-                                trace(points, [&](auto point) { return term(point).transmissionTracking; }),
-                                trace(points, [&](auto point) { return term(point).isolation; })});
+    for (std::uint32_t number = 1; number <= 2; ++number) {
+        ErrorTerms::Port port;
+        port.directivity.reserve(points);
+        port.sourceMatch.reserve(points);
+        port.reflectionTracking.reserve(points);
+        ErrorTerms::PortPair pair{number, 3 - number, {}, {}, {}};
+        pair.loadMatch.reserve(points);
+        pair.transmissionTracking.reserve(points);
+        pair.isolation.reserve(points);
+        for (std::size_t point = 0; point != points; ++point) {
+            const auto& reflection = from.reflection(point, number);
+            port.directivity.push_back(reflection.directivity);
+            port.sourceMatch.push_back(reflection.sourceMatch);
+            port.reflectionTracking.push_back(reflection.reflectionTracking);
+            const auto& transmission = from.transmission(point, 3 - number, number);
+            pair.loadMatch.push_back(transmission.loadMatch);
+            pair.transmissionTracking.push_back(transmission.transmissionTracking);
+            pair.isolation.push_back(transmission.isolation);
+        }
+        to.ports.push_back(std::move(port));
+        to.portPairs.push_back(std::move(pair));
     }
     return to;
 }
