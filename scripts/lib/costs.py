@@ -2,6 +2,7 @@
 and allocations of one call, and prints them as JSON. The programs are those of benchmarks/counted.cpp; callgrind runs
 them and leaves its files in FOLDER."""
 
+import functools
 import json
 import pathlib
 import re
@@ -19,13 +20,12 @@ def wanted(goals):
     return sorted({f"{goal['row']}/{way}" for goal in goals if COUNTED & goal.keys() for way in ["library", *weights(goal)]})
 
 
-def atomic_addresses(library, known={}):
+@functools.cache
+def atomic_addresses(library):
     """Where in a library or program the instructions stand that change memory atomically."""
-    if library not in known:
-        listing = subprocess.run(["objdump", "-d", "--no-show-raw-insn", library], check=True, capture_output=True,
-                                 text=True).stdout
-        known[library] = {int(match[1], 16) for match in map(ATOMIC.match, listing.splitlines()) if match}
-    return known[library]
+    listing = subprocess.run(["objdump", "-d", "--no-show-raw-insn", library], check=True, capture_output=True,
+                             text=True).stdout
+    return {int(match[1], 16) for match in map(ATOMIC.match, listing.splitlines()) if match}
 
 
 def counts(profile):
