@@ -18,7 +18,7 @@ MEASURES = {
     "exports": ("exports", False),
 }
 TIMED = {"time", "nanoseconds"}
-MORE = {"as many": 0.5, "one more": 1.5} # than the peer; the half is for what happens less often than at each call
+AS_MANY = 0.5 # more than the peer: what happens less often than at each call
 
 
 def read_goals(name):
@@ -68,7 +68,7 @@ def line(goal, measure, ways):
     """One line of the table: what was measured, and whether the goal was met, or why not."""
     unit, is_ratio = MEASURES[measure]
     bound = goal[measure]
-    is_compared = is_ratio or bound in MORE
+    is_compared = is_ratio or bound == "as many"
     if any(way not in ways for way in ["library", *(weights(goal) if is_compared else [])]):
         return {"what": goal["row"], "unit": "not measured", "library": None, "against": weighted(goal), "peer": None,
                 "ratio": None, "goal": None, "met": False, "reason": None, "is_ratio": is_ratio}
@@ -79,7 +79,7 @@ def line(goal, measure, ways):
                  for together in zip(*(ways[way] for way in weights(goal)), strict=True)]
         peer, ratio = statistics.median(peers), ratio_of(own, peers) if is_ratio else None
     measured = round(ratio, 3) if is_ratio else library # as it is shown
-    most = peer + MORE[bound] if bound in MORE else bound
+    most = peer + AS_MANY if bound == "as many" else bound
     met = measured <= most
     is_excused = "reason" in goal and not met and measured <= goal["kept"]
     return {"what": goal["row"], "unit": unit, "library": library, "against": weighted(goal) if is_compared else None,
