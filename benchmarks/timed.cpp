@@ -1,5 +1,5 @@
 // Times the ways of a benchmark: each is a benchmark `row/way` of Google Benchmark, and comes six times, each time
-// next to the others of its row. scripts/bench runs the program seven times and holds against each other what stood
+// next to the others of its row. scripts/bench runs the program five times and holds against each other what stood
 // together.
 
 #include "ways.h"
