@@ -19,8 +19,9 @@ struct Finding {
     std::string what; ///< the end of a sentence: "was completed 2 times"
 };
 
+/// What was seen of a guarantee.
 enum class Verdict {
-    Kept,
+    Kept, ///< something that would have broken it otherwise
     Broken, ///< see the findings
     NotChecked, ///< nothing was seen that could have broken it; see the reason
 };
@@ -28,26 +29,27 @@ enum class Verdict {
 /// What was counted and measured during a check. Only what the check itself asked for and heard.
 struct Figures {
     unsigned calls = 0; ///< operations of the device and its controls
-    std::chrono::nanoseconds longestCall{};
+    std::chrono::nanoseconds longestCall{}; ///< how long one of them took to return
     unsigned requests = 0; ///< those among them that end with a completion
     std::chrono::nanoseconds longestRequest{}; ///< from the call to the first completion
     unsigned completionsInside = 0; ///< on the caller's thread, before the operation returned
-    unsigned completionsElsewhere = 0;
-    unsigned notifications = 0;
+    unsigned completionsElsewhere = 0; ///< on another thread, or later
+    unsigned notifications = 0; ///< of the observers of the check
     unsigned notificationThreads = 0; ///< on how many threads they came
     unsigned drops = 0; ///< how often the device announced that it drops its controls, as far as it was observed
 };
 
 /// How a device keeps one guarantee.
 struct Outcome {
-    Verdict verdict = Verdict::NotChecked;
+    Verdict verdict = Verdict::NotChecked; ///< what it comes to
     std::string reason = {}; ///< why it was not checked
     std::vector<Finding> findings = {}; ///< how it was broken
     std::vector<Finding> notes = {}; ///< what is allowed, and kept the check from seeing more
-    Figures seen = {};
+    Figures seen = {}; ///< what that rests on
     bool isStuck = false; ///< a call has not come back: its thread and the device were given up
 };
 
+/// What a check may do, and how long it waits.
 struct Options {
     bool writes = false; ///< whether the instrument may be changed; it is put back as it was
     std::chrono::milliseconds limit = std::chrono::seconds{10}; ///< that a call or a request may take without progress
