@@ -57,7 +57,7 @@ public:
         for (int attempt = 0; attempt < attempts && !isBack(); ++attempt) {
             for (const auto& [setting, value] : m_saved) {
                 if (valueOf(setting) != Value{value})
-                    set(setting, value, Record::Kind::PutBack);
+                    putBack(setting, value);
             }
         }
         for (const auto& [setting, value] : m_saved) {
@@ -67,6 +67,12 @@ public:
                                           "could not be put back: it was " + textOf(value) + " and "
                                               + (now ? "is " + textOf(*now) : "cannot be read"));
         }
+    }
+
+    /// Sets one of them back.
+    void putBack(const Setting& setting, double value) const
+    {
+        for (int attempt = 0; attempt < attempts && !set(setting, value, Record::Kind::PutBack); ++attempt) { }
     }
 
     /// Sets a value; false if the instrument refuses that.
@@ -121,7 +127,7 @@ void lookAtSetting(const Bench& bench, const Settings& settings, const Settings:
         if (setting.domain.choices.empty())
             break; // one is as good as the other
     }
-    settings.set(setting, saved.value, Record::Kind::PutBack);
+    settings.putBack(setting, saved.value);
 }
 
 void lookAtSettings(Bench& bench, Description control)
