@@ -22,7 +22,7 @@ template <class To, class Elements, class Convert>
 template <class Value>
 [[nodiscard]] std::vector<Value> copyOf(std::span<const Value> values)
 {
-    return convertAll<Value>(values, std::identity{});
+    return {values.begin(), values.end()};
 }
 
 } // namespace tarn::devices::service
