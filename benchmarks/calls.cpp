@@ -6,6 +6,7 @@
 #include "ways.h"
 
 #include <devices/service/sdkloleakagecontrol.h>
+#include <devices/service/sdkvellsynthesiscontrol.h>
 #include <sdk/ivna.h>
 
 #include <QMutex>
@@ -96,16 +97,47 @@ Way reacquiringGetter(const char* name, const std::shared_ptr<Device>& device, c
     });
 }
 
+using Synthesis = sdk::service::IVellSynthesisControl;
+
+[[gnu::noinline]] std::vector<double> listByHand(ShortestHandle<Synthesis>& handle)
+{
+    if (const auto control = handle.lock()) {
+        const auto list = control->supportedIfs();
+        return {list.begin(), list.end()};
+    }
+    return {};
+}
+
+/// The getter of a list, which is brought into another type.
+std::vector<Way> convertingGetters()
+{
+    const auto synthesis = makeVellSynthesis();
+    const auto reacquire = [synthesis] { return sdk::ControlHandle<Synthesis>{synthesis}; };
+    return {
+        repeated("getter of a list", "library",
+                 [adapter = adapterOf<devices::service::SdkVellSynthesisControl, Synthesis>(synthesis)] {
+                     return adapter->supportedIfs();
+                 }),
+        repeated("getter of a list", "shortest code",
+                 [handle = std::make_shared<ShortestHandle<Synthesis>>(reacquire)] { return listByHand(*handle); }),
+    };
+}
+
 /// Two threads, each with a control of its own, and one alone.
 std::vector<Way> onTwoThreads()
 {
     const auto adapter = [] { return adapterOn<Adapter, Sdk>(std::make_shared<Device>()); };
+    const auto first = adapter();
+    const auto second = adapter();
     const auto byHand = [] { return std::make_shared<ByHand>(std::make_shared<Device>()); };
     const auto asking = [](const auto& control) { return [control] { return control->isEnabled(); }; };
     const std::string row = "getter on two threads";
+    const std::string other = "getter on the other of them";
     return {
-        beside(asking(adapter()), repeated(row, "library", asking(adapter()))),
-        repeated(row, "alone", asking(adapter())),
+        beside(asking(second), repeated(row, "library", asking(first))),
+        repeated(row, "alone", asking(first)),
+        beside(asking(first), repeated(other, "library", asking(second))),
+        repeated(other, "alone", asking(second)),
         beside(asking(byHand()), repeated(row, "shortest code", asking(byHand()))),
         repeated(row, "shortest code alone", asking(byHand())),
     };
@@ -172,7 +204,7 @@ std::vector<Way> allWays()
         reacquiringGetter("shortest code", restless, std::make_shared<ByHand>(restless)),
         repeated("reacquiring getter", "the drop alone", [restless] { restless->renew(); }),
     };
-    for (auto&& others : {otherGetters(device), onTwoThreads()})
+    for (auto&& others : {convertingGetters(), otherGetters(device), onTwoThreads()})
         ways.insert(ways.end(), others.begin(), others.end());
     return ways;
 }

@@ -1,9 +1,13 @@
-// System error terms of two ports, brought into the SDK's form: the library's way against `reserve` and `push_back` of
-// the same fields.
+// System error terms of two ports, brought into the SDK's form and written: the library's way against `reserve` and
+// `push_back` of the same fields.
 
+#include "fakes.h"
 #include "ways.h"
 
 #include <devices/errortermsconversion.h>
+#include <devices/service/sdksystemtermscontrol.h>
+
+#include <QDateTime>
 
 #include <complex>
 #include <cstddef>
@@ -62,6 +66,52 @@ vna::ErrorTerms terms(std::size_t points)
     return to;
 }
 
+using Sdk = sdk::service::ISystemTermsControl;
+
+/// Forgets what it is given.
+class SystemTerms final : public Sdk {
+public:
+    void addObserver(Observer* /*observer*/) override { }
+    void removeObserver(Observer* /*observer*/) override { }
+    [[nodiscard]] sdk::FrequencyPlan frequencyPlan() override { return {}; }
+    [[nodiscard]] std::uint32_t portCount() override { return 2; }
+    [[nodiscard]] std::uint32_t maximumPointCount() override { return 0; }
+    void writeTerms(std::int64_t /*time*/, ErrorTerms written, double /*temperature*/) override { consume(written); }
+    [[nodiscard]] bool isFrequencyOverrideSupported() override { return true; }
+    void writeTermsForPlan(std::int64_t /*time*/, sdk::FrequencyPlan plan, ErrorTerms written,
+                           double /*temperature*/) override
+    {
+        consume(plan);
+        consume(written);
+    }
+};
+
+/// Terms on their way through the adapter, which must hand them on without a copy.
+std::vector<Way> writes(std::size_t points)
+{
+    const auto of = "write of error terms, " + std::to_string(points);
+    const auto withPlan = "write of error terms with a plan, " + std::to_string(points);
+    const auto from = std::make_shared<const vna::ErrorTerms>(terms(points));
+    const auto device = std::make_shared<SystemTerms>();
+    const auto adapter = adapterOf<devices::service::SdkSystemTermsControl, Sdk>(device);
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(1'000'000'000, Qt::UTC);
+    const std::vector<vna::FrequencySegment> plan{{1e6, 2e6, 3}};
+    return {
+        repeated(of, "library", [=] { adapter->requestWriteTerms(time, 23.0, *from); }),
+        repeated(of, "push_back", [=] { device->writeTerms(time.toSecsSinceEpoch(), plainToSdk(*from), 23.0); }),
+        repeated(withPlan, "library", [=] { adapter->requestWriteTerms(time, 23.0, plan, *from); }),
+        repeated(withPlan, "push_back",
+                 [=] {
+                     const auto copy = plan; // as the call takes it
+                     sdk::FrequencyPlan to;
+                     to.segments.reserve(copy.size());
+                     for (const auto& [start, stop, count] : copy)
+                         to.segments.push_back({start, stop, static_cast<std::int32_t>(count)});
+                     device->writeTermsForPlan(time.toSecsSinceEpoch(), std::move(to), plainToSdk(*from), 23.0);
+                 }),
+    };
+}
+
 std::vector<Way> conversion(std::size_t points)
 {
     const auto row = "error terms, " + std::to_string(points);
@@ -76,7 +126,10 @@ std::vector<Way> conversion(std::size_t points)
 
 std::vector<Way> allWays()
 {
-    return forEach(isCounted ? Sizes{1'000} : Sizes{1'000, 30'000, 1'000'000}, &conversion);
+    auto ways = forEach(isCounted ? Sizes{1'000} : Sizes{1'000, 30'000, 1'000'000}, &conversion);
+    for (auto& way : writes(1'000))
+        ways.push_back(std::move(way));
+    return ways;
 }
 
 } // namespace tarn::benchmarks

@@ -1,7 +1,9 @@
 #include "fakes.h"
 
+#include <array>
 #include <condition_variable>
 #include <mutex>
+#include <span>
 #include <stop_token>
 #include <thread>
 #include <utility>
@@ -16,6 +18,18 @@ public:
 
 private:
     bool m_enabled = false;
+};
+
+class VellSynthesis final : public sdk::service::IVellSynthesisControl {
+public:
+    void setManualIfEnabled(bool /*enabled*/) override { }
+    [[nodiscard]] bool manualIfEnabled() override { return false; }
+    void setSelectedIf(int /*index*/) override { }
+    [[nodiscard]] int selectedIf() override { return 0; }
+    [[nodiscard]] std::span<const double> supportedIfs() override { return m_frequencies; }
+
+private:
+    const std::array<double, 3> m_frequencies{1e6, 2e6, 3e6};
 };
 
 class RemoteSerialNumber final : public SerialNumber {
@@ -60,6 +74,11 @@ private:
 std::shared_ptr<sdk::service::ILoLeakageControl> makeLoLeakage()
 {
     return std::make_shared<LoLeakage>();
+}
+
+std::shared_ptr<sdk::service::IVellSynthesisControl> makeVellSynthesis()
+{
+    return std::make_shared<VellSynthesis>();
 }
 
 bool SerialNumber::isAvailable()

@@ -4,6 +4,7 @@
 #include <devices/service/iserialnumbercontrol.h>
 #include <sdk/service/iloleakagecontrol.h>
 #include <sdk/service/imemoryserialnumbercontrol.h>
+#include <sdk/service/ivellsynthesiscontrol.h>
 
 #include <memory>
 #include <vector>
@@ -14,6 +15,9 @@ namespace tarn::benchmarks {
 // program does that has more than one.
 
 [[nodiscard]] std::shared_ptr<sdk::service::ILoLeakageControl> makeLoLeakage();
+
+/// Has three intermediate frequencies.
+[[nodiscard]] std::shared_ptr<sdk::service::IVellSynthesisControl> makeVellSynthesis();
 
 constexpr unsigned int serialNumber = 1'000'001;
 
