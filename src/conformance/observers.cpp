@@ -162,7 +162,7 @@ private:
 /// What an observer of the device hears that is removed at once; null if the device does not take it.
 std::shared_ptr<Ear> removedFromDevice(const Bench& bench)
 {
-    const auto ear = std::make_shared<Ear>(bench.record());
+    auto ear = std::make_shared<Ear>(bench.record());
     const auto registration = registrationOf<DeviceObserver>(bench.device(), ear);
     if (!bench.add("the device", registration))
         return nullptr;
